@@ -1,0 +1,57 @@
+// Image data to time functions on.
+#ifndef VEK_BENCH_SUPPORT_PLANE_H
+#define VEK_BENCH_SUPPORT_PLANE_H
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <type_traits>
+
+namespace support {
+
+struct FreeDeleter {
+    void operator()(void* p) const { std::free(p); }
+};
+
+// `count` elements at a 64-byte boundary, filled with noise of the given seed.
+template <typename T>
+class AlignedArray {
+public:
+    explicit AlignedArray(size_t count, uint64_t seed = 1)
+        : data_(static_cast<T*>(std::aligned_alloc(64, (count * sizeof(T) + 63) / 64 * 64))), count_(count)
+    {
+        std::mt19937_64 engine(seed);
+        for (size_t i = 0; i < count; ++i) data_.get()[i] = static_cast<T>(engine());
+    }
+
+    T* data() { return data_.get(); }
+    T& operator[](size_t i) { return data_.get()[i]; }
+    size_t size() const { return count_; }
+
+private:
+    std::unique_ptr<T, FreeDeleter> data_;
+    size_t count_;
+};
+
+// A region of `width` x `height` elements whose rows begin at 64-byte boundaries.
+template <typename T>
+class Plane {
+public:
+    Plane(int width, int height, uint64_t seed = 1)
+        : step_((width * static_cast<int>(sizeof(T)) + 63) / 64 * 64),
+          elements_(static_cast<size_t>(step_) / sizeof(T) * static_cast<size_t>(height), seed)
+    {
+    }
+
+    T* data() { return elements_.data(); }
+    int step() const { return step_; }  // bytes
+
+private:
+    int step_;
+    AlignedArray<T> elements_;
+};
+
+}  // namespace support
+
+#endif

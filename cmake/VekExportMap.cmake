@@ -1,0 +1,11 @@
+# Writes the linker's export map from the list of exported names: those symbols, and no other.
+set(exports_def ${PROJECT_SOURCE_DIR}/src/frame/exports.def)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports_def})
+file(STRINGS ${exports_def} export_lines REGEX "^VEK_EXPORT")
+set(map "{\n  global:\n")
+foreach(line IN LISTS export_lines)
+  string(REGEX REPLACE "^VEK_EXPORT\\(([A-Za-z0-9_]+)\\).*" "    \\1;\n" symbol "${line}")
+  string(APPEND map "${symbol}")
+endforeach()
+string(APPEND map "  local: *;\n};\n")
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/vekjq3.map CONTENT "${map}" @ONLY)

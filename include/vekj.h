@@ -1,0 +1,11 @@
+/** @file
+ *  Umbrella header: everything that the library offers. */
+#ifndef VEKJ_H
+#define VEKJ_H
+
+#include "vekj/jpeg_entropy.h"
+#include "vekj/jpeg_samples.h"
+#include "vekj/types.h"
+#include "vekj/version.h"
+
+#endif
