@@ -5,30 +5,35 @@
 
 #include <stdint.h>
 
+/** @def VEKCORE_API
+ *  Marks an exported function: C linkage, visible outside the library. */
 #ifdef __cplusplus
 #define VEKCORE_API extern "C" __attribute__((visibility("default")))
 #else
 #define VEKCORE_API __attribute__((visibility("default")))
 #endif
 
-/** Bits of the feature mask. A bit stands for an instruction set that the processor has and, where it needs saved
- *  register state, that the operating system has enabled. */
-#define VEK_CPU_SSE2 UINT64_C(0x1)
-#define VEK_CPU_SSE3 UINT64_C(0x2)
-#define VEK_CPU_SSSE3 UINT64_C(0x4)
-#define VEK_CPU_SSE41 UINT64_C(0x8)
-#define VEK_CPU_AVX2 UINT64_C(0x10) /**< with AVX and register state enabled by the operating system */
-#define VEK_CPU_FMA UINT64_C(0x20)  /**< with AVX and register state enabled by the operating system */
-#define VEK_CPU_SSE42 UINT64_C(0x40)
-#define VEK_CPU_AVX UINT64_C(0x80)
-#define VEK_CPU_POPCNT UINT64_C(0x100)
-#define VEK_CPU_LZCNT UINT64_C(0x200)
-#define VEK_CPU_BMI1 UINT64_C(0x400)
-#define VEK_CPU_BMI2 UINT64_C(0x800)
-#define VEK_CPU_F16C UINT64_C(0x1000)
-#define VEK_CPU_MOVBE UINT64_C(0x2000)
-#define VEK_CPU_AVX512F UINT64_C(0x4000)
-#define VEK_CPU_AVX512BW UINT64_C(0x8000)
+/** @name Bits of the feature mask
+ *  A bit stands for an instruction set that the processor has and, where it needs saved register state (AVX, FMA, F16C,
+ *  AVX2, AVX-512), that the operating system has enabled.
+ *  @{ */
+#define VEK_CPU_SSE2 UINT64_C(0x1)        /**< SSE2 */
+#define VEK_CPU_SSE3 UINT64_C(0x2)        /**< SSE3 */
+#define VEK_CPU_SSSE3 UINT64_C(0x4)       /**< SSSE3 */
+#define VEK_CPU_SSE41 UINT64_C(0x8)       /**< SSE4.1 */
+#define VEK_CPU_AVX2 UINT64_C(0x10)       /**< AVX2; with VEK_CPU_FMA, what this library needs */
+#define VEK_CPU_FMA UINT64_C(0x20)        /**< FMA with three operands */
+#define VEK_CPU_SSE42 UINT64_C(0x40)      /**< SSE4.2 */
+#define VEK_CPU_AVX UINT64_C(0x80)        /**< AVX */
+#define VEK_CPU_POPCNT UINT64_C(0x100)    /**< POPCNT */
+#define VEK_CPU_LZCNT UINT64_C(0x200)     /**< LZCNT */
+#define VEK_CPU_BMI1 UINT64_C(0x400)      /**< BMI1 */
+#define VEK_CPU_BMI2 UINT64_C(0x800)      /**< BMI2 */
+#define VEK_CPU_F16C UINT64_C(0x1000)     /**< F16C */
+#define VEK_CPU_MOVBE UINT64_C(0x2000)    /**< MOVBE */
+#define VEK_CPU_AVX512F UINT64_C(0x4000)  /**< AVX-512 Foundation */
+#define VEK_CPU_AVX512BW UINT64_C(0x8000) /**< AVX-512 Byte and Word */
+/** @} */
 
 /** Detects the processor's features.
  *  @param pFeatures  receives the feature mask; may be null

@@ -5,6 +5,8 @@
 
 #include <stdint.h>
 
+/** @def VEK_API
+ *  Marks an exported function: C linkage, visible outside the library. */
 #ifdef __cplusplus
 #define VEK_API extern "C" __attribute__((visibility("default")))
 #else
@@ -44,8 +46,8 @@ enum
 
 /** Width and height of a region, in samples or pixels; passed by value. */
 typedef struct VekSize {
-    int32_t width;
-    int32_t height;
+    int32_t width;  /**< samples or pixels in a row */
+    int32_t height; /**< rows */
 } VekSize;
 
 #endif

@@ -7,14 +7,14 @@
 
 /** The library's version; a constant object that the library owns. */
 typedef struct VekLibVersion {
-    int32_t versionMajor;
-    int32_t versionMinor;
-    int32_t buildMajor;
-    int32_t buildNumber;
-    char tierTag[4]; /**< processor tier, padded with zero bytes */
-    const char* libraryName;
-    const char* versionText; /**< carries `buildNumber` behind its "r" */
-    const char* buildDateText;
+    int32_t versionMajor;      /**< 7 */
+    int32_t versionMinor;      /**< 1 */
+    int32_t buildMajor;        /**< 1 */
+    int32_t buildNumber;       /**< 37466 */
+    char tierTag[4];           /**< processor tier "q3", padded with zero bytes */
+    const char* libraryName;   /**< name, and in brackets the tier */
+    const char* versionText;   /**< the first three numbers, and `buildNumber` behind an "r" */
+    const char* buildDateText; /**< month, day, year */
 } VekLibVersion;
 
 /** Returns the version record: the same pointer on every call, from any thread. Cannot fail; nobody frees the record.

@@ -1,0 +1,22 @@
+# Sourced by the other scripts: installs Debian packages that are not there yet.
+
+packages_build=(build-essential cmake ninja-build ccache pkg-config libcli11-dev libpng-dev)
+packages_test=(clang clang-format doxygen libbenchmark-dev libclang-rt-dev libgtest-dev libjpeg-dev libjpeg-turbo-progs
+  libomp-dev llvm python3)
+packages_bench=(libbenchmark-dev libjpeg-dev libturbojpeg0-dev python3 python3-matplotlib)
+packages_demo=(libjpeg-turbo-progs)
+
+# install_packages NAME...: as root, or through sudo.
+install_packages() {
+  local missing=() name
+  for name in "$@"; do
+    [[ $(dpkg-query -W -f '${db:Status-Status}' "$name" 2>/dev/null) == installed ]] || missing+=("$name")
+  done
+  [[ ${#missing[@]} -eq 0 ]] && return
+  echo "Installing ${missing[*]}"
+  local as_root=()
+  [[ $EUID -eq 0 ]] || as_root=(sudo)
+  "${as_root[@]}" apt-get -qq update
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install --no-install-recommends -y \
+    "${missing[@]}" >/dev/null
+}
