@@ -96,7 +96,8 @@ step_clang() {
 step_asan() {
   configure asan "${llvm[@]}" -DVEK_SANITIZE=address,undefined
   build_all asan
-  ASAN_OPTIONS=detect_stack_use_after_return=1:strict_init_order=1 UBSAN_OPTIONS=print_stacktrace=1 run_tests asan
+  ASAN_OPTIONS=detect_stack_use_after_return=1:strict_init_order=1 UBSAN_OPTIONS=print_stacktrace=1 \
+    LSAN_OPTIONS=suppressions=$PWD/scripts/leaks.supp:print_suppressions=0 run_tests asan
 }
 
 step_tsan() {

@@ -1,0 +1,109 @@
+// The binary interface of both libraries as they are shipped. Linked to the shared libraries alone.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <set>
+#include <string>
+
+#include "frame/c_view.h"
+#include "support/elf_file.h"
+
+namespace {
+
+using support::ElfFile;
+
+const std::set<std::string> exportList = {
+#define VEK_EXPORT(name) #name,
+#include "frame/exports.def"
+#undef VEK_EXPORT
+};
+
+bool needsOpenMp(const ElfFile& file)
+{
+    return std::any_of(file.needed().begin(), file.needed().end(), [](const std::string& name) {
+        return name.starts_with("libgomp.so.") || name.starts_with("libomp.so.");
+    });
+}
+
+TEST(AbiOfTheLibrary, ExportsTheListAndNothingElse)
+{
+    const ElfFile file(VEK_LIBRARY_FILE);
+    EXPECT_EQ(exportList, file.functions());
+    EXPECT_EQ(std::set<std::string>{}, file.otherSymbols());
+}
+
+TEST(AbiOfTheLibrary, Soname) { EXPECT_EQ("libvekjq3.so.7.1", ElfFile(VEK_LIBRARY_FILE).soname()); }
+
+TEST(AbiOfTheLibrary, NeedsTheCoreServicesOpenMpAndTheSystemLibraries)
+{
+    const ElfFile file(VEK_LIBRARY_FILE);
+    EXPECT_TRUE(file.needed().contains("libvekcore.so.7.1"));
+    EXPECT_TRUE(file.needed().contains("libc.so.6"));
+    EXPECT_TRUE(file.needed().contains("libm.so.6"));
+    EXPECT_TRUE(needsOpenMp(file));
+}
+
+TEST(AbiOfTheCoreServices, ExportsItsSixFunctionsAndNothingElse)
+{
+    const ElfFile file(VEK_CORE_FILE);
+    const std::set<std::string> six = {"vekGetCpuFeatures", "vekGetEnabledCpuFeatures", "vekMalloc",
+                                       "vekFree",           "vekGetMaxCacheSizeB",      "ownGetNumThreads"};
+    EXPECT_EQ(six, file.functions());
+    EXPECT_EQ(std::set<std::string>{}, file.otherSymbols());
+}
+
+TEST(AbiOfTheCoreServices, SonameAndOpenMp)
+{
+    const ElfFile file(VEK_CORE_FILE);
+    EXPECT_EQ("libvekcore.so.7.1", file.soname());
+    EXPECT_TRUE(needsOpenMp(file));
+}
+
+TEST(AbiOfTypes, SizeIsTwo32BitIntegers)
+{
+    EXPECT_EQ(8u, sizeof(VekSize));
+    EXPECT_EQ(0u, offsetof(VekSize, width));
+    EXPECT_EQ(4u, offsetof(VekSize, height));
+    EXPECT_EQ(4u, sizeof(VekStatus));
+}
+
+TEST(AbiOfTypes, VersionRecord)
+{
+    EXPECT_EQ(48u, sizeof(VekLibVersion));
+    EXPECT_EQ(0u, offsetof(VekLibVersion, versionMajor));
+    EXPECT_EQ(4u, offsetof(VekLibVersion, versionMinor));
+    EXPECT_EQ(8u, offsetof(VekLibVersion, buildMajor));
+    EXPECT_EQ(12u, offsetof(VekLibVersion, buildNumber));
+    EXPECT_EQ(16u, offsetof(VekLibVersion, tierTag));
+    EXPECT_EQ(24u, offsetof(VekLibVersion, libraryName));
+    EXPECT_EQ(32u, offsetof(VekLibVersion, versionText));
+    EXPECT_EQ(40u, offsetof(VekLibVersion, buildDateText));
+}
+
+TEST(AbiOfTypes, AreTheSameInC99)
+{
+    const CView view = cView();
+    EXPECT_EQ(sizeof(VekStatus), view.sizeofVekStatus);
+    EXPECT_EQ(sizeof(VekSize), view.sizeofVekSize);
+    EXPECT_EQ(offsetof(VekSize, width), view.offsetofWidth);
+    EXPECT_EQ(offsetof(VekSize, height), view.offsetofHeight);
+    EXPECT_EQ(sizeof(VekLibVersion), view.sizeofVekLibVersion);
+    EXPECT_EQ(offsetof(VekLibVersion, versionMinor), view.offsetofVersionMinor);
+    EXPECT_EQ(offsetof(VekLibVersion, tierTag), view.offsetofTierTag);
+    EXPECT_EQ(offsetof(VekLibVersion, libraryName), view.offsetofLibraryName);
+    EXPECT_EQ(offsetof(VekLibVersion, versionText), view.offsetofVersionText);
+    EXPECT_EQ(offsetof(VekLibVersion, buildDateText), view.offsetofBuildDateText);
+}
+
+TEST(AbiOfTypes, StatusCodes)
+{
+    const int expected[] = {0, 6, 35, -2, -5, -6, -7, -8, -9, -14, -17, -62, -63, -64, -112, -113, -124, -180, -9999};
+    const CView view = cView();
+    EXPECT_TRUE(
+        std::equal(std::begin(expected), std::end(expected), std::begin(view.everyStatus), std::end(view.everyStatus)));
+}
+
+TEST(AbiOfFunctions, HaveCLinkage) { EXPECT_EQ(vekjGetLibVersion(), versionAskedFromC()); }
+
+}  // namespace
