@@ -1,0 +1,30 @@
+#include "commands/progress.h"
+
+#include <unistd.h>
+
+#include <boost/timer/progress_display.hpp>
+#include <iostream>
+
+namespace vekpix {
+
+struct Progress::Bar {
+    explicit Bar(int64_t steps) : display(static_cast<unsigned long>(steps), std::cerr) {}
+    boost::timer::progress_display display;
+};
+
+Progress::Progress(int64_t steps) : steps_(steps), watched_(isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress() = default;
+
+void Progress::advance(int64_t steps)
+{
+    done_ += steps;
+    if (!watched_)
+        return;
+    if (!bar_ && std::chrono::steady_clock::now() - began_ > std::chrono::milliseconds(500))
+        bar_ = std::make_unique<Bar>(steps_);
+    if (bar_)
+        bar_->display += static_cast<unsigned long>(done_) - bar_->display.count();
+}
+
+}  // namespace vekpix

@@ -1,0 +1,58 @@
+#include "image/formats.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+#include "error.h"
+#include "image/png_rows.h"
+#include "image/pnm_rows.h"
+
+namespace vekpix {
+
+ImageFormat formatOf(const std::string& path)
+{
+    std::string extension = std::filesystem::path(path).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (extension == ".png")
+        return ImageFormat::Png;
+    if (extension == ".ppm")
+        return ImageFormat::Ppm;
+    if (extension == ".pgm")
+        return ImageFormat::Pgm;
+    if (extension == ".jpg" || extension == ".jpeg")
+        return ImageFormat::Jpeg;
+    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .jpg)");
+}
+
+std::unique_ptr<RowReader> openPicture(const std::string& path)
+{
+    switch (formatOf(path)) {
+        case ImageFormat::Png:
+            return openPng(path);
+        case ImageFormat::Ppm:
+        case ImageFormat::Pgm:
+            return openPnm(path);
+        case ImageFormat::Jpeg:
+            break;
+    }
+    throw Error(path + ": must be a PNG, PPM or PGM picture");
+}
+
+std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink)
+{
+    switch (format) {
+        case ImageFormat::Png:
+            return makePngWriter(shape, sink);
+        case ImageFormat::Ppm:
+            return makePnmWriter(shape, 3, sink);
+        case ImageFormat::Pgm:
+            return makePnmWriter(shape, 1, sink);
+        case ImageFormat::Jpeg:
+            break;
+    }
+    throw Error("the picture must become a PNG, PPM or PGM file");
+}
+
+}  // namespace vekpix

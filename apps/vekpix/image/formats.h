@@ -1,0 +1,27 @@
+// Which files hold pictures, by their extensions, and the readers and writers of their rows.
+#ifndef VEKPIX_IMAGE_FORMATS_H
+#define VEKPIX_IMAGE_FORMATS_H
+
+#include <memory>
+#include <string>
+
+#include "image/rows.h"
+#include "io/byte_sink.h"
+
+namespace vekpix {
+
+enum class ImageFormat { Png, Ppm, Pgm, Jpeg };
+
+// By the extension (png, ppm, pgm, jpg, jpeg; upper case too). An Error for any other name.
+ImageFormat formatOf(const std::string& path);
+
+// The rows of a PNG, PPM or PGM file, all made 8 bits deep; palettes become colours, transparency shows white.
+std::unique_ptr<RowReader> openPicture(const std::string& path);
+
+// Writes a PNG, PPM or PGM picture to `sink`, which must outlive the writer. A PPM picture of one channel has equal
+// colours; a PGM picture must have one channel.
+std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink);
+
+}  // namespace vekpix
+
+#endif

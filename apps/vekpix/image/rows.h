@@ -1,0 +1,46 @@
+// Pictures as rows of 8-bit samples: grey (one channel) or red, green, blue (three, interleaved), from the top.
+#ifndef VEKPIX_IMAGE_ROWS_H
+#define VEKPIX_IMAGE_ROWS_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vekpix {
+
+struct Shape {
+    int width = 0;
+    int height = 0;
+    int channels = 0;  // 1 or 3
+
+    size_t rowBytes() const { return static_cast<size_t>(width) * static_cast<size_t>(channels); }
+    bool operator==(const Shape&) const = default;
+};
+
+class RowReader {
+public:
+    virtual ~RowReader() = default;
+    const Shape& shape() const { return shape_; }
+    int width() const { return shape_.width; }
+    int height() const { return shape_.height; }
+    int channels() const { return shape_.channels; }
+
+    // Stores the next `rows` rows at `pixels`, each `step` bytes behind the one before. No more rows than are left.
+    virtual void readRows(uint8_t* pixels, size_t step, int rows) = 0;
+    // Goes back to the first row, if the source can: otherwise false, with nothing changed.
+    virtual bool rewind() { return false; }
+
+protected:
+    Shape shape_;
+};
+
+class RowWriter {
+public:
+    virtual ~RowWriter() = default;
+    virtual void writeRows(const uint8_t* pixels, size_t step, int rows) = 0;
+    // To be called behind the last row.
+    virtual void finish() = 0;
+};
+
+}  // namespace vekpix
+
+#endif

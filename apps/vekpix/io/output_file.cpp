@@ -1,0 +1,99 @@
+#include "io/output_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "error.h"
+
+namespace vekpix {
+
+namespace {
+
+constexpr size_t pendingBytes = size_t{1} << 16;
+
+[[noreturn]] void failTo(const char* what, const std::string& path)
+{
+    throw Error(std::string("cannot ") + what + " " + path + ": " + std::strerror(errno));
+}
+
+mode_t permissionsOfNewFiles()
+{
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(std::string path) : path_(std::move(path))
+{
+    struct stat status = {};
+    const bool exists = stat(path_.c_str(), &status) == 0;
+    if (exists && !S_ISREG(status.st_mode)) {
+        file_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
+    } else {
+        temporary_ = path_ + ".XXXXXX";
+        file_ = mkostemp(temporary_.data(), O_CLOEXEC);
+        if (file_ >= 0)
+            fchmod(file_, exists ? status.st_mode & 0777 : permissionsOfNewFiles());
+    }
+    if (file_ < 0)
+        failTo("write", path_);
+    pending_.reserve(pendingBytes);
+}
+
+OutputFile::~OutputFile()
+{
+    if (file_ < 0)
+        return;
+    ::close(file_);
+    if (!temporary_.empty())
+        unlink(temporary_.c_str());
+}
+
+void OutputFile::write(std::span<const uint8_t> bytes)
+{
+    if (pending_.size() + bytes.size() > pendingBytes) {
+        writeThrough(pending_);
+        pending_.clear();
+    }
+    if (bytes.size() > pendingBytes)
+        writeThrough(bytes);
+    else
+        pending_.insert(pending_.end(), bytes.begin(), bytes.end());
+}
+
+void OutputFile::writeThrough(std::span<const uint8_t> bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file_, bytes.data(), bytes.size());
+        if (count >= 0)
+            bytes = bytes.subspan(static_cast<size_t>(count));
+        else if (errno != EINTR)
+            failTo("write", path_);
+    }
+}
+
+void OutputFile::commit()
+{
+    writeThrough(pending_);
+    pending_.clear();
+    const int file = std::exchange(file_, -1);
+    const bool closed = ::close(file) == 0;
+    if (closed && (temporary_.empty() || std::rename(temporary_.c_str(), path_.c_str()) == 0))
+        return;
+    const int reason = errno;
+    if (!temporary_.empty())
+        unlink(temporary_.c_str());
+    errno = reason;
+    failTo("write", path_);
+}
+
+}  // namespace vekpix
