@@ -1,0 +1,40 @@
+// Which coefficients of a block are not zero.
+#ifndef VEK_JPEG_ENTROPY_BLOCK_MASK_H
+#define VEK_JPEG_ENTROPY_BLOCK_MASK_H
+
+#include <array>
+#include <cstdint>
+
+#include "frame/vec.h"
+#include "jpeg/entropy/constant_tables.h"
+
+namespace q3 {
+
+// For each row of a block the zig-zag positions of its coefficients; they rise from left to right.
+constexpr std::array<uint64_t, 8> zigzagPositionsOfRow = [] {
+    std::array<uint64_t, 8> t{};
+    for (int k = 0; k < 64; ++k)
+        t[static_cast<size_t>(own_jc_izigzag_index[static_cast<size_t>(k)] / 8)] |= uint64_t{1} << k;
+    return t;
+}();
+
+// Bit k is set if the coefficient at zig-zag position k is not zero.
+inline uint64_t nonZeroInZigzag(const int16_t* pBlock)
+{
+    const __m256i zero = _mm256_setzero_si256();
+    uint64_t rows = 0;  // a bit for each coefficient in natural order
+    for (int half = 0; half < 2; ++half) {
+        const int16_t* const p = pBlock + 32 * half;
+        const __m256i zeros =
+            _mm256_packs_epi16(_mm256_cmpeq_epi16(loadU(p), zero), _mm256_cmpeq_epi16(loadU(p + 16), zero));
+        const __m256i inOrder = _mm256_permute4x64_epi64(zeros, 0xD8);
+        rows |= static_cast<uint64_t>(~static_cast<uint32_t>(_mm256_movemask_epi8(inOrder))) << (32 * half);
+    }
+    uint64_t mask = 0;
+    for (size_t row = 0; row < 8; ++row) mask |= _pdep_u64(rows >> (8 * row) & 0xFF, zigzagPositionsOfRow[row]);
+    return mask;
+}
+
+}  // namespace q3
+
+#endif
