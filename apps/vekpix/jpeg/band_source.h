@@ -1,0 +1,52 @@
+// What the ways of decoding a picture have in common: the decoder asks them for one band after the other.
+#ifndef VEKPIX_JPEG_BAND_SOURCE_H
+#define VEKPIX_JPEG_BAND_SOURCE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "jpeg/marker_reader.h"
+
+namespace vekpix::jpeg {
+
+// Everything that the headers tell about a picture.
+struct Picture {
+    std::span<const uint8_t> file;
+    Frame frame;
+    ColourModel colours = ColourModel::Grey;
+    bool inverted = false;  // four components as Adobe's programs write them: 255 is no ink
+    std::vector<Scan> scans;
+
+    int mcusPerRow() const;
+    int mcuRows() const;
+    // Samples of a component without the blocks' padding (T.81, A.1.1).
+    int componentWidth(size_t index) const;
+    int componentHeight(size_t index) const;
+};
+
+inline int divideUp(int dividend, int divisor) { return (dividend + divisor - 1) / divisor; }
+
+class BandSource {
+public:
+    virtual ~BandSource() = default;
+    virtual int bandRows() const = 0;
+    // Stores `rows` rows: bandRows(), or what is left at the bottom of the picture.
+    virtual void readBand(uint8_t* pixels, size_t step, int rows) = 0;
+    // The first marker behind the last scan's data, once the last band has been read.
+    virtual std::optional<int> markerBehind() const = 0;
+};
+
+// Three colours in one scan with 4:4:4, 4:2:2 or 4:2:0 sampling: each MCU goes from its bits to its pixels at once.
+// Null if the picture is of another kind.
+std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, int threads);
+
+// Every other picture, and every reduced one: planes of samples of each component, a band high.
+std::unique_ptr<BandSource> makePlaneBands(const Picture& picture, int scale);
+
+}  // namespace vekpix::jpeg
+
+#endif

@@ -1,0 +1,46 @@
+// A sequential JPEG file becomes pixels, band by band from the top.
+#ifndef VEKPIX_JPEG_DECODER_H
+#define VEKPIX_JPEG_DECODER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace vekpix::jpeg {
+
+struct DecodeOptions {
+    int scale = 1;    // 1, 2, 4 or 8: the size that is divided out, rounded up
+    int threads = 1;  // threads that may work on the picture
+};
+
+class BandSource;
+
+// Grey files give one channel, all others three (red, green, blue). The file's bytes must outlive the decoder.
+// Everything that is wrong with a file is an Error: in the constructor for its headers, in readBand() for its data.
+class Decoder {
+public:
+    Decoder(std::span<const uint8_t> file, const DecodeOptions& options);
+    ~Decoder();
+    Decoder(const Decoder&) = delete;
+    Decoder& operator=(const Decoder&) = delete;
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+    int channels() const { return channels_; }
+    int bandRows() const;  // rows of every band but the last, which may have fewer
+
+    // Stores the next band at `pixels`, its rows `step` bytes apart. Returns its number of rows, 0 behind the last.
+    int readBand(uint8_t* pixels, size_t step);
+
+private:
+    int width_ = 0;
+    int height_ = 0;
+    int channels_ = 0;
+    int nextRow_ = 0;
+    std::unique_ptr<BandSource> source_;
+};
+
+}  // namespace vekpix::jpeg
+
+#endif

@@ -1,0 +1,290 @@
+// Files of the independent codec, in many forms, decode here to its coefficients and, within rounding, its pixels.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <string>
+
+#include "decode_support.h"
+#include "error.h"
+#include "jpeg/decoder.h"
+#include "jpeg/entropy_reader.h"
+#include "jpeg/marker_reader.h"
+#include "jpeg_peer.h"
+
+using peer::Picture;
+using peer::Scene;
+using peer::Stored;
+using peer::WriteOptions;
+using Sampling = std::vector<std::pair<int, int>>;
+
+namespace {
+
+std::string describe(const Picture& picture, const WriteOptions& options)
+{
+    std::string text = std::to_string(picture.width) + "x" + std::to_string(picture.height) + " quality " +
+                       std::to_string(options.quality) + " restart " + std::to_string(options.restartInterval) +
+                       (options.optimise ? " optimised" : "") + (options.interleaved ? "" : " scans") +
+                       (options.extended ? " extended" : "") + " sampling";
+    for (const auto& [h, v] : options.sampling) text += " " + std::to_string(h) + "x" + std::to_string(v);
+    return text;
+}
+
+// The file's coefficients by way of the application's readers, in the peer's arrangement.
+peer::Coefficients readOwnCoefficients(std::span<const uint8_t> file)
+{
+    using namespace vekpix::jpeg;
+    MarkerReader markers(file);
+    peer::Coefficients result;
+    while (const std::optional<Scan> scan = markers.advanceToScan()) {
+        const Frame& frame = markers.frame();
+        const int maxH = frame.maxHorizontalSampling();
+        const int maxV = frame.maxVerticalSampling();
+        result.components.resize(frame.components.size());
+        const auto up = [](int a, int b) { return (a + b - 1) / b; };
+        for (const ScanComponent& c : scan->components) {
+            const FrameComponent& f = frame.components[static_cast<size_t>(c.index)];
+            auto& to = result.components[static_cast<size_t>(c.index)];
+            to.blocksWide = up(up(frame.width * f.horizontalSampling, maxH), 8);
+            to.blocksHigh = up(up(frame.height * f.verticalSampling, maxV), 8);
+            to.blocks.resize(static_cast<size_t>(to.blocksWide * to.blocksHigh));
+        }
+        const bool single = scan->components.size() == 1;
+        const auto& first = result.components[static_cast<size_t>(scan->components[0].index)];
+        const int mcusWide = single ? first.blocksWide : up(frame.width, 8 * maxH);
+        const int mcusHigh = single ? first.blocksHigh : up(frame.height, 8 * maxV);
+        EntropyReader reader(file, scan->dataBegin, scan->restartInterval);
+        for (int mcu = 0; mcu < mcusWide * mcusHigh; ++mcu) {
+            reader.beginMcu();
+            for (size_t slot = 0; slot < scan->components.size(); ++slot) {
+                const ScanComponent& c = scan->components[slot];
+                const FrameComponent& f = frame.components[static_cast<size_t>(c.index)];
+                auto& to = result.components[static_cast<size_t>(c.index)];
+                const int h = single ? 1 : f.horizontalSampling;
+                const int v = single ? 1 : f.verticalSampling;
+                for (int i = 0; i < h * v; ++i) {
+                    std::array<int16_t, 64> block;
+                    reader.readBlock(block.data(), slot, c.dcTable->decoderTable(), c.acTable->decoderTable());
+                    const int x = mcu % mcusWide * h + i % h;
+                    const int y = mcu / mcusWide * v + i / h;
+                    if (x < to.blocksWide && y < to.blocksHigh)
+                        to.blocks[static_cast<size_t>(y * to.blocksWide + x)] = block;
+                }
+            }
+        }
+        markers.skipScanData();
+    }
+    return result;
+}
+
+void expectEqualCoefficients(std::span<const uint8_t> file)
+{
+    const peer::Coefficients expected = peer::readCoefficients(file);
+    const peer::Coefficients actual = readOwnCoefficients(file);
+    ASSERT_EQ(expected.components.size(), actual.components.size());
+    for (size_t c = 0; c < expected.components.size(); ++c) {
+        ASSERT_EQ(expected.components[c].blocksWide, actual.components[c].blocksWide);
+        ASSERT_EQ(expected.components[c].blocksHigh, actual.components[c].blocksHigh);
+        ASSERT_TRUE(expected.components[c].blocks == actual.components[c].blocks) << "component " << c;
+    }
+}
+
+int largestDifference(const Picture& a, const Picture& b)
+{
+    EXPECT_EQ(a.width, b.width);
+    EXPECT_EQ(a.height, b.height);
+    EXPECT_EQ(a.channels, b.channels);
+    if (a.pixels.size() != b.pixels.size())
+        return 256;
+    int most = 0;
+    for (size_t i = 0; i < a.pixels.size(); ++i) most = std::max(most, std::abs(a.pixels[i] - b.pixels[i]));
+    return most;
+}
+
+const std::vector<std::pair<int, int>> sizes = {{1, 1}, {7, 5}, {8, 8}, {16, 16}, {17, 33}, {65, 47}, {131, 77}};
+
+// Each transform rounds a sample by up to one level of its own; a chroma level weighs up to 1.8 in blue.
+constexpr int rounding = 2;
+
+void expectSamePixels(const Picture& picture, const WriteOptions& options, int threads = 1)
+{
+    SCOPED_TRACE(describe(picture, options));
+    const std::vector<uint8_t> file = peer::write(picture, options);
+    expectEqualCoefficients(file);
+    EXPECT_LE(largestDifference(peer::read(file), support::decode(file, {1, threads})), rounding);
+}
+
+}  // namespace
+
+TEST(JpegReader, CommonSamplingsOfEverySizeAndQuality)
+{
+    for (const auto& [width, height] : sizes)
+        for (const Sampling& sampling :
+             {Sampling{}, Sampling{{2, 1}, {1, 1}, {1, 1}}, Sampling{{2, 2}, {1, 1}, {1, 1}}})
+            for (const int quality : {1, 30, 75, 95, 100})
+                expectSamePixels(peer::draw(width, height, 3, Scene::Soft),
+                                 {.quality = quality, .sampling = sampling, .optimise = quality > 50});
+}
+
+TEST(JpegReader, Grey)
+{
+    for (const auto& [width, height] : sizes)
+        for (const Sampling& sampling : {Sampling{{1, 1}}, Sampling{{2, 2}}, Sampling{{4, 3}}})
+            for (const int restart : {0, 1, 5})
+                expectSamePixels(peer::draw(width, height, 1, Scene::Soft),
+                                 {.stored = Stored::Grey, .sampling = sampling, .restartInterval = restart});
+}
+
+TEST(JpegReader, EverySamplingFactorOfLuma)
+{
+    const Picture picture = peer::draw(83, 61, 3, Scene::Soft);
+    for (int h = 1; h <= 4; ++h)
+        for (int v = 1; v <= 4; ++v)
+            for (const bool interleaved : {true, false})
+                if (!interleaved || h * v <= 8)
+                    expectSamePixels(picture, {.sampling = {{h, v}, {1, 1}, {1, 1}}, .interleaved = interleaved});
+}
+
+TEST(JpegReader, UncommonSamplings)
+{
+    const Picture picture = peer::draw(83, 61, 3, Scene::Soft);
+    for (const Sampling& sampling :
+         {Sampling{{2, 2}, {2, 1}, {1, 2}}, Sampling{{1, 1}, {2, 2}, {1, 1}}, Sampling{{2, 2}, {2, 2}, {2, 2}},
+          Sampling{{4, 1}, {2, 1}, {1, 1}}, Sampling{{1, 2}, {1, 2}, {1, 1}}, Sampling{{2, 1}, {2, 1}, {2, 1}},
+          Sampling{{1, 1}, {1, 1}, {4, 2}}})
+        for (const bool interleaved : {true, false})
+            expectSamePixels(picture, {.sampling = sampling, .interleaved = interleaved});
+}
+
+// The peer cannot show pixels whose factors do not divide each other; it can read their coefficients. The samples of
+// smooth colours hardly depend on how a pixel finds its chroma.
+TEST(JpegReader, SamplingFactorsThatDoNotDivideEachOther)
+{
+    Picture picture = peer::draw(90, 66, 3, Scene::Soft);
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x)
+            for (int c = 0; c < 3; ++c)
+                picture.pixels[static_cast<size_t>((y * picture.width + x) * 3 + c)] =
+                    static_cast<uint8_t>(60 + c * 20 + x / 2 + y);
+    const std::vector<uint8_t> whole = peer::write(picture, {.quality = 95});
+    for (const Sampling& sampling : {Sampling{{3, 1}, {2, 1}, {1, 1}}, Sampling{{1, 3}, {1, 2}, {1, 2}}}) {
+        std::vector<uint8_t> file = peer::write(picture, {.quality = 95, .sampling = sampling, .interleaved = false});
+        expectEqualCoefficients(file);
+        EXPECT_LE(largestDifference(support::decode(whole), support::decode(file)), 8);
+    }
+}
+
+TEST(JpegReader, RestartIntervalsOfEveryLength)
+{
+    const Picture picture = peer::draw(150, 70, 3, Scene::Soft);
+    for (const Sampling& sampling : {Sampling{}, Sampling{{2, 2}, {1, 1}, {1, 1}}, Sampling{{1, 2}, {1, 1}, {1, 1}}})
+        for (const int restart : {1, 2, 3, 5, 10, 19, 20, 38, 95, 190, 1000})
+            for (const bool interleaved : {true, false})
+                expectSamePixels(picture,
+                                 {.sampling = sampling, .restartInterval = restart, .interleaved = interleaved});
+}
+
+TEST(JpegReader, ExtendedSequentialWithTablesForEachComponent)
+{
+    const Picture picture = peer::draw(83, 61, 3, Scene::Soft);
+    const WriteOptions options{.sampling = {{2, 1}, {1, 1}, {1, 1}}, .optimise = true, .extended = true};
+    EXPECT_FALSE([&] {
+        const std::vector<uint8_t> file = peer::write(picture, options);
+        vekpix::jpeg::MarkerReader markers(file);
+        markers.advanceToScan();
+        return markers.frame().baseline;
+    }());
+    expectSamePixels(picture, options);
+}
+
+TEST(JpegReader, RgbByAdobeMarkerAndByComponentNames)
+{
+    for (const auto& [width, height] : sizes)
+        for (const bool adobe : {true, false})
+            expectSamePixels(peer::draw(width, height, 3, Scene::Harsh),
+                             {.stored = Stored::Rgb, .jfif = false, .adobe = adobe});
+}
+
+// The adobe marker says that 255 is no ink; without one 255 is all ink.
+TEST(JpegReader, FourInksBecomeLight)
+{
+    const Picture picture = peer::draw(45, 27, 4, Scene::Soft);
+    for (const Stored stored : {Stored::Cmyk, Stored::Ycck}) {
+        const std::vector<uint8_t> file = peer::write(picture, {.stored = stored, .jfif = false, .adobe = true});
+        const Picture inks = peer::read(file);
+        Picture light{inks.width, inks.height, 3, {}};
+        for (int y = 0; y < inks.height; ++y)
+            for (int x = 0; x < inks.width; ++x)
+                for (int c = 0; c < 3; ++c)
+                    light.pixels.push_back(static_cast<uint8_t>((inks.at(x, y, c) * inks.at(x, y, 3) + 127) / 255));
+        EXPECT_LE(largestDifference(light, support::decode(file)), rounding);
+    }
+    const std::vector<uint8_t> plain = peer::write(picture, {.stored = Stored::Cmyk, .jfif = false});
+    const Picture inks = peer::read(plain);
+    const Picture light = support::decode(plain);
+    for (int c = 0; c < 3; ++c)
+        EXPECT_NEAR((255 - inks.at(20, 20, c)) * (255 - inks.at(20, 20, 3)) / 255.0, light.at(20, 20, c), rounding);
+}
+
+// Where a sample leaves 0 .. 255 it is clipped before its colour is converted, as the standard's decoder does.
+TEST(JpegReader, HarshPicturesAreClippedAsSamples)
+{
+    for (const Sampling& sampling : {Sampling{}, Sampling{{2, 1}, {1, 1}, {1, 1}}, Sampling{{2, 2}, {1, 1}, {1, 1}},
+                                     Sampling{{1, 2}, {1, 1}, {1, 1}}})
+        for (const int quality : {5, 20, 50, 90})
+            expectSamePixels(peer::draw(131, 77, 3, Scene::Harsh, 3), {.quality = quality, .sampling = sampling});
+}
+
+TEST(JpegReader, ThreadsDoNotChangeAByte)
+{
+    for (const auto& [width, height] : {std::pair(150, 230), std::pair(33, 9), std::pair(640, 200)}) {
+        const Picture picture = peer::draw(width, height, 3, Scene::Soft);
+        for (const Sampling& sampling :
+             {Sampling{}, Sampling{{2, 1}, {1, 1}, {1, 1}}, Sampling{{2, 2}, {1, 1}, {1, 1}}})
+            for (const int restart : {0, 1, 5, 10, 20, 40, 7}) {
+                const std::vector<uint8_t> file =
+                    peer::write(picture, {.sampling = sampling, .restartInterval = restart});
+                const Picture alone = support::decode(file);
+                for (const int threads : {2, 3, 8})
+                    EXPECT_TRUE(alone.pixels == support::decode(file, {1, threads}).pixels)
+                        << width << " " << restart << " " << threads;
+            }
+    }
+}
+
+// A reduced transform of the library and the peer's are different filters of the same block: the peer's inverts the low
+// coefficients alone with its own rounding, so that soft pictures come out alike but not equal.
+TEST(JpegReader, ReducedPictures)
+{
+    for (const auto& [width, height] : sizes)
+        for (const Sampling& sampling : {Sampling{}, Sampling{{2, 1}, {1, 1}, {1, 1}}, Sampling{{2, 2}, {1, 1}, {1, 1}},
+                                         Sampling{{4, 2}, {1, 1}, {1, 1}}, Sampling{{3, 1}, {1, 1}, {1, 1}}}) {
+            const std::vector<uint8_t> file =
+                peer::write(peer::draw(width, height, 3, Scene::Soft), {.sampling = sampling});
+            for (const int scale : {2, 4, 8}) {
+                SCOPED_TRACE(std::to_string(width) + " scale " + std::to_string(scale));
+                const int tolerance = 4;
+                EXPECT_LE(largestDifference(peer::read(file, scale), support::decode(file, {scale, 1})), tolerance);
+            }
+        }
+}
+
+TEST(JpegReader, ReducedGreyInScansAndIntervals)
+{
+    const std::vector<uint8_t> grey = peer::write(peer::draw(131, 77, 1, Scene::Soft), {.stored = Stored::Grey});
+    const std::vector<uint8_t> scans =
+        peer::write(peer::draw(131, 77, 3, Scene::Soft),
+                    {.sampling = {{2, 2}, {1, 1}, {1, 1}}, .restartInterval = 4, .interleaved = false});
+    for (const int scale : {2, 4, 8}) {
+        const int tolerance = 3;
+        EXPECT_LE(largestDifference(peer::read(grey, scale), support::decode(grey, {scale, 1})), tolerance);
+        EXPECT_LE(largestDifference(peer::read(scans, scale), support::decode(scans, {scale, 1})), tolerance + 1);
+    }
+}
+
+TEST(JpegReader, RefusesAnotherScale)
+{
+    const std::vector<uint8_t> file = peer::write(peer::draw(8, 8, 3, Scene::Soft), {});
+    for (const int scale : {-1, 0, 3, 16}) EXPECT_THROW(support::decode(file, {scale, 1}), vekpix::Error);
+}
