@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
 #include <string>
 
 #include "decode_support.h"
@@ -11,6 +10,7 @@
 #include "jpeg/decoder.h"
 #include "jpeg/entropy_reader.h"
 #include "jpeg/marker_reader.h"
+#include "jpeg/markers.h"
 #include "jpeg_peer.h"
 
 using peer::Picture;
@@ -90,6 +90,45 @@ void expectEqualCoefficients(std::span<const uint8_t> file)
     }
 }
 
+// An RGB file of three scans from three grey files of one quantisation table.
+std::vector<uint8_t> assembleScans(const std::vector<std::vector<uint8_t>>& parts, const Sampling& sampling, int width,
+                                   int height)
+{
+    using namespace vekpix::jpeg;
+    std::vector<uint8_t> file;
+    const auto append = [&file](std::span<const uint8_t> bytes) {
+        file.insert(file.end(), bytes.begin(), bytes.end());
+    };
+    for (size_t i = 0; i < parts.size(); ++i) {
+        const std::span<const uint8_t> part = parts[i];
+        Segment frame;
+        Segment scan;
+        MarkerReader markers(part, [&](const Segment& segment) {
+            if (segment.marker == SOF0)
+                frame = segment;
+            if (segment.marker == SOS)
+                scan = segment;
+        });
+        markers.advanceToScan();
+        if (i == 0) {
+            append(part.first(frame.position));
+            const auto high = [](int value) { return static_cast<uint8_t>(value >> 8); };
+            const auto low = [](int value) { return static_cast<uint8_t>(value); };
+            append(
+                std::array<uint8_t, 10>{0xFF, 0xC0, 0, 17, 8, high(height), low(height), high(width), low(width), 3});
+            for (size_t c = 0; c < sampling.size(); ++c)
+                append(std::array<uint8_t, 3>{static_cast<uint8_t>("RGB"[c]), low(sampling[c].first << 4 | sampling[c].second), 0});
+        }
+        const size_t frameEnd = frame.position + 2 + frame.length;
+        append(part.subspan(frameEnd, scan.position - frameEnd));
+        append(std::array<uint8_t, 10>{0xFF, 0xDA, 0, 8, 1, static_cast<uint8_t>("RGB"[i]), 0, 0, 63, 0});
+        const size_t scanEnd = scan.position + 2 + scan.length;
+        append(part.subspan(scanEnd, part.size() - 2 - scanEnd));
+    }
+    file.insert(file.end(), {0xFF, 0xD9});
+    return file;
+}
+
 int largestDifference(const Picture& a, const Picture& b)
 {
     EXPECT_EQ(a.width, b.width);
@@ -104,15 +143,25 @@ int largestDifference(const Picture& a, const Picture& b)
 
 const std::vector<std::pair<int, int>> sizes = {{1, 1}, {7, 5}, {8, 8}, {16, 16}, {17, 33}, {65, 47}, {131, 77}};
 
-// Each transform rounds a sample by up to one level of its own; a chroma level weighs up to 1.8 in blue.
 constexpr int rounding = 2;
+
+// Each codec's transform may round a sample up where the other rounds down. A level of chroma weighs 1.8 levels of
+// blue: with the luma's own level and the rounding of the sum, one byte in some thousands differs by three levels.
+void expectWithinRounding(const Picture& a, const Picture& b)
+{
+    EXPECT_LE(largestDifference(a, b), rounding + 1);
+    size_t beyond = 0;
+    for (size_t i = 0; i < std::min(a.pixels.size(), b.pixels.size()); ++i)
+        beyond += std::abs(a.pixels[i] - b.pixels[i]) > rounding;
+    EXPECT_LE(beyond, a.pixels.size() / 1000 + 1);
+}
 
 void expectSamePixels(const Picture& picture, const WriteOptions& options, int threads = 1)
 {
     SCOPED_TRACE(describe(picture, options));
     const std::vector<uint8_t> file = peer::write(picture, options);
     expectEqualCoefficients(file);
-    EXPECT_LE(largestDifference(peer::read(file), support::decode(file, {1, threads})), rounding);
+    expectWithinRounding(peer::read(file), support::decode(file, {1, threads}));
 }
 
 }  // namespace
@@ -142,7 +191,7 @@ TEST(JpegReader, EverySamplingFactorOfLuma)
     for (int h = 1; h <= 4; ++h)
         for (int v = 1; v <= 4; ++v)
             for (const bool interleaved : {true, false})
-                if (!interleaved || h * v <= 8)
+                if (!interleaved || h * v + 2 <= 10)  // blocks in an MCU
                     expectSamePixels(picture, {.sampling = {{h, v}, {1, 1}, {1, 1}}, .interleaved = interleaved});
 }
 
@@ -157,21 +206,36 @@ TEST(JpegReader, UncommonSamplings)
             expectSamePixels(picture, {.sampling = sampling, .interleaved = interleaved});
 }
 
-// The peer cannot show pixels whose factors do not divide each other; it can read their coefficients. The samples of
-// smooth colours hardly depend on how a pixel finds its chroma.
+// The peer neither writes nor reads files whose factors do not divide each other: each component is written as a
+// picture of its own, and their scans are put together. A slope shows whether every pixel finds its sample.
 TEST(JpegReader, SamplingFactorsThatDoNotDivideEachOther)
 {
-    Picture picture = peer::draw(90, 66, 3, Scene::Soft);
-    for (int y = 0; y < picture.height; ++y)
-        for (int x = 0; x < picture.width; ++x)
-            for (int c = 0; c < 3; ++c)
-                picture.pixels[static_cast<size_t>((y * picture.width + x) * 3 + c)] =
-                    static_cast<uint8_t>(60 + c * 20 + x / 2 + y);
-    const std::vector<uint8_t> whole = peer::write(picture, {.quality = 95});
-    for (const Sampling& sampling : {Sampling{{3, 1}, {2, 1}, {1, 1}}, Sampling{{1, 3}, {1, 2}, {1, 2}}}) {
-        std::vector<uint8_t> file = peer::write(picture, {.quality = 95, .sampling = sampling, .interleaved = false});
-        expectEqualCoefficients(file);
-        EXPECT_LE(largestDifference(support::decode(whole), support::decode(file)), 8);
+    for (const Sampling& sampling :
+         {Sampling{{3, 1}, {2, 1}, {1, 1}}, Sampling{{1, 3}, {1, 2}, {1, 2}}, Sampling{{4, 4}, {3, 3}, {2, 3}}}) {
+        const int width = 90;
+        const int height = 66;
+        const int maxH = sampling[0].first;
+        const int maxV = sampling[0].second;
+        std::vector<std::vector<uint8_t>> parts;
+        std::vector<Picture> planes;
+        for (const auto& [h, v] : sampling) {
+            Picture plane{(width * h + maxH - 1) / maxH, (height * v + maxV - 1) / maxV, 1, {}};
+            for (int y = 0; y < plane.height; ++y)
+                for (int x = 0; x < plane.width; ++x)
+                    plane.pixels.push_back(static_cast<uint8_t>(40 + x * maxH / h + y * maxV / v));
+            parts.push_back(peer::write(plane, {.quality = 98, .stored = Stored::Grey, .jfif = false}));
+            planes.push_back(peer::read(parts.back()));
+        }
+        const Picture picture = support::decode(assembleScans(parts, sampling, width, height));
+        ASSERT_EQ(width, picture.width);
+        ASSERT_EQ(height, picture.height);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                for (int c = 0; c < 3; ++c) {
+                    const auto [h, v] = sampling[static_cast<size_t>(c)];
+                    const int sample = planes[static_cast<size_t>(c)].at(x * h / maxH, y * v / maxV, 0);
+                    ASSERT_NEAR(sample, picture.at(x, y, c), 1) << x << " " << y << " " << c;
+                }
     }
 }
 

@@ -1,0 +1,50 @@
+// Writes the seeds of vekpix_decode_fuzz: small files of every kind that the application reads. Usage: DIRECTORY
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "apps/vekpix/jpeg_peer.h"
+
+int main(int argc, char** argv)
+{
+    using peer::Scene;
+    using peer::Stored;
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s DIRECTORY\n", argv[0]);
+        return 1;
+    }
+    const auto save = [&](const std::string& name, const peer::Picture& picture, const peer::WriteOptions& options) {
+        const std::vector<uint8_t> file = peer::write(picture, options);
+        std::ofstream out(std::string(argv[1]) + "/" + name + ".jpg", std::ios::binary);
+        out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    };
+    const peer::Picture colour = peer::draw(35, 21, 3, Scene::Soft);
+    const peer::Picture harsh = peer::draw(19, 17, 3, Scene::Harsh);
+    const peer::Picture grey = peer::draw(35, 21, 1, Scene::Soft);
+    const peer::Picture inks = peer::draw(17, 9, 4, Scene::Soft);
+    save("grey", grey, {.quality = 40, .stored = Stored::Grey, .optimise = true});
+    save("grey_restart", grey, {.quality = 40, .stored = Stored::Grey, .restartInterval = 2, .optimise = true});
+    save("444", colour, {.quality = 30, .optimise = true});
+    save("422", colour, {.quality = 30, .sampling = {{2, 1}, {1, 1}, {1, 1}}, .optimise = true});
+    save("420", colour, {.quality = 30, .sampling = {{2, 2}, {1, 1}, {1, 1}}});
+    save("420_restart", colour,
+         {.quality = 30, .sampling = {{2, 2}, {1, 1}, {1, 1}}, .restartInterval = 3, .optimise = true});
+    save("440", colour, {.quality = 30, .sampling = {{1, 2}, {1, 1}, {1, 1}}, .optimise = true});
+    save("411", colour, {.quality = 30, .sampling = {{4, 1}, {1, 1}, {1, 1}}, .optimise = true});
+    save("mixed", colour, {.quality = 30, .sampling = {{2, 2}, {2, 1}, {1, 2}}, .optimise = true});
+    save("scans", colour,
+         {.quality = 30, .sampling = {{2, 2}, {1, 1}, {1, 1}}, .optimise = true, .interleaved = false});
+    save("scans_restart", colour, {.quality = 30, .restartInterval = 1, .optimise = true, .interleaved = false});
+    save("extended", colour, {.quality = 30, .optimise = true, .extended = true});
+    save("harsh", harsh, {.quality = 90, .optimise = true});
+    save("rgb", harsh, {.quality = 20, .stored = Stored::Rgb, .optimise = true, .jfif = false, .adobe = true});
+    save("cmyk", inks, {.quality = 30, .stored = Stored::Cmyk, .optimise = true, .jfif = false, .adobe = true});
+    save("ycck", inks,
+         {.quality = 30,
+          .stored = Stored::Ycck,
+          .sampling = {{2, 2}, {1, 1}, {1, 1}, {2, 2}},
+          .optimise = true,
+          .jfif = false,
+          .adobe = true});
+    return 0;
+}
