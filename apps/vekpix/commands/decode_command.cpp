@@ -1,7 +1,80 @@
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "commands/commands.h"
+#include "commands/progress.h"
+#include "error.h"
+#include "image/formats.h"
+#include "io/input_file.h"
+#include "io/output_file.h"
+#include "jpeg/decoder.h"
+#include "vekcore.h"
 
 namespace vekpix {
 
-void addDecodeCommand(CLI::App& app) { app.add_subcommand("decode"); }
+namespace {
+
+struct DecodeArguments {
+    std::string input;
+    std::string output;
+    int scale = 1;
+    int threads = 0;
+};
+
+// Calls `read`; its Error also tells the file.
+template <class Read>
+auto reading(const std::string& path, const Read& read)
+{
+    try {
+        return read();
+    } catch (const Error& error) {
+        throw Error(path + ": " + error.what());
+    }
+}
+
+void decodeRows(const std::string& path, jpeg::Decoder& decoder, RowWriter& writer)
+{
+    const size_t step = static_cast<size_t>(decoder.width()) * static_cast<size_t>(decoder.channels());
+    std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
+    Progress progress(decoder.height());
+    while (const int rows = reading(path, [&] { return decoder.readBand(band.data(), step); })) {
+        writer.writeRows(band.data(), step, rows);
+        progress.advance(rows);
+    }
+}
+
+void decode(const DecodeArguments& arguments)
+{
+    const ImageFormat format = formatOf(arguments.output);
+    const std::vector<uint8_t> file = readFile(arguments.input);
+    jpeg::DecodeOptions options;
+    options.scale = arguments.scale;
+    options.threads = arguments.threads == 0 ? ownGetNumThreads() : arguments.threads;
+    const auto decoder = reading(arguments.input, [&] { return std::make_unique<jpeg::Decoder>(file, options); });
+    OutputFile output(arguments.output);
+    const auto writer =
+        makePictureWriter(format, Shape{decoder->width(), decoder->height(), decoder->channels()}, output);
+    decodeRows(arguments.input, *decoder, *writer);
+    writer->finish();
+    output.commit();
+}
+
+}  // namespace
+
+void addDecodeCommand(CLI::App& app)
+{
+    auto arguments = std::make_shared<DecodeArguments>();
+    CLI::App* command = app.add_subcommand("decode", "Decodes a JPEG file.");
+    command->add_option("input", arguments->input, "sequential JPEG file of 8-bit samples")->required();
+    command->add_option("output", arguments->output, "PNG, PPM or PGM file")->required();
+    command->add_option("--scale", arguments->scale, "divides width and height")
+        ->check(CLI::IsMember({1, 2, 4, 8}))
+        ->capture_default_str();
+    command->add_option("--threads", arguments->threads, "threads to work with; 0 for all processors")
+        ->check(CLI::Range(0, 256))
+        ->capture_default_str();
+    command->callback([arguments] { decode(*arguments); });
+}
 
 }  // namespace vekpix

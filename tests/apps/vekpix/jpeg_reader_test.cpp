@@ -117,7 +117,8 @@ std::vector<uint8_t> assembleScans(const std::vector<std::vector<uint8_t>>& part
             append(
                 std::array<uint8_t, 10>{0xFF, 0xC0, 0, 17, 8, high(height), low(height), high(width), low(width), 3});
             for (size_t c = 0; c < sampling.size(); ++c)
-                append(std::array<uint8_t, 3>{static_cast<uint8_t>("RGB"[c]), low(sampling[c].first << 4 | sampling[c].second), 0});
+                append(std::array<uint8_t, 3>{static_cast<uint8_t>("RGB"[c]),
+                                              low(sampling[c].first << 4 | sampling[c].second), 0});
         }
         const size_t frameEnd = frame.position + 2 + frame.length;
         append(part.subspan(frameEnd, scan.position - frameEnd));
@@ -199,11 +200,12 @@ TEST(JpegReader, UncommonSamplings)
 {
     const Picture picture = peer::draw(83, 61, 3, Scene::Soft);
     for (const Sampling& sampling :
-         {Sampling{{2, 2}, {2, 1}, {1, 2}}, Sampling{{1, 1}, {2, 2}, {1, 1}}, Sampling{{2, 2}, {2, 2}, {2, 2}},
-          Sampling{{4, 1}, {2, 1}, {1, 1}}, Sampling{{1, 2}, {1, 2}, {1, 1}}, Sampling{{2, 1}, {2, 1}, {2, 1}},
-          Sampling{{1, 1}, {1, 1}, {4, 2}}})
+         {Sampling{{2, 2}, {2, 1}, {1, 2}}, Sampling{{1, 1}, {2, 2}, {1, 1}}, Sampling{{4, 1}, {2, 1}, {1, 1}},
+          Sampling{{1, 2}, {1, 2}, {1, 1}}, Sampling{{2, 1}, {2, 1}, {2, 1}}, Sampling{{1, 1}, {1, 1}, {4, 2}}})
         for (const bool interleaved : {true, false})
             expectSamePixels(picture, {.sampling = sampling, .interleaved = interleaved});
+    for (const Sampling& sampling : {Sampling{{2, 2}, {2, 2}, {2, 2}}, Sampling{{4, 4}, {1, 2}, {4, 1}}})
+        expectSamePixels(picture, {.sampling = sampling, .interleaved = false});
 }
 
 // The peer neither writes nor reads files whose factors do not divide each other: each component is written as a

@@ -1,0 +1,232 @@
+// The commands `vekpix decode` and `vekpix info` as a user runs them, on files of the packaged JPEG tools.
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "decode_support.h"
+#include "jpeg_peer.h"
+#include "support/sanitizers.h"
+
+using peer::Picture;
+using peer::Scene;
+using peer::Stored;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string errors;
+    long peakKilobytes = 0;
+};
+
+std::string contents(const fs::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class DecodeCommand : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string name = (fs::temp_directory_path() / "vekpix_decode_XXXXXX").string();
+        ASSERT_NE(nullptr, mkdtemp(name.data()));
+        folder_ = name;
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+    Outcome run(std::vector<std::string> arguments) const
+    {
+        const std::string out = path("stdout");
+        const std::string err = path("stderr");
+        const pid_t child = fork();
+        if (child == 0) {
+            dup2(open(out.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
+            dup2(open(err.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
+            std::vector<char*> pointers;
+            for (std::string& argument : arguments) pointers.push_back(argument.data());
+            pointers.push_back(nullptr);
+            execvp(pointers[0], pointers.data());
+            _exit(127);
+        }
+        Outcome outcome;
+        int status = 0;
+        rusage usage{};
+        EXPECT_EQ(child, wait4(child, &status, 0, &usage));
+        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        outcome.output = contents(out);
+        outcome.errors = contents(err);
+        outcome.peakKilobytes = usage.ru_maxrss;
+        return outcome;
+    }
+
+    Outcome vekpix(std::vector<std::string> arguments) const
+    {
+        arguments.insert(arguments.begin(), VEKPIX_PROGRAM);
+        return run(std::move(arguments));
+    }
+
+    void save(const std::string& name, std::span<const uint8_t> bytes) const
+    {
+        std::ofstream(path(name), std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    // A binary PPM or PGM file.
+    void savePnm(const std::string& name, const Picture& picture) const
+    {
+        std::ofstream out(path(name), std::ios::binary);
+        out << (picture.channels == 1 ? "P5 " : "P6 ") << picture.width << ' ' << picture.height << " 255\n";
+        out.write(reinterpret_cast<const char*>(picture.pixels.data()),
+                  static_cast<std::streamsize>(picture.pixels.size()));
+    }
+
+    Picture loadPnm(const std::string& name) const
+    {
+        std::ifstream in(path(name), std::ios::binary);
+        std::string magic;
+        int largest = 0;
+        Picture picture;
+        in >> magic >> picture.width >> picture.height >> largest;
+        in.get();
+        picture.channels = magic == "P5" ? 1 : 3;
+        EXPECT_EQ(255, largest);
+        picture.pixels.assign(std::istreambuf_iterator<char>(in), {});
+        return picture;
+    }
+
+    fs::path folder_;
+};
+
+double meanDifference(const Picture& a, const Picture& b)
+{
+    EXPECT_EQ(a.pixels.size(), b.pixels.size());
+    double sum = 0;
+    for (size_t i = 0; i < std::min(a.pixels.size(), b.pixels.size()); ++i) sum += std::abs(a.pixels[i] - b.pixels[i]);
+    return sum / static_cast<double>(a.pixels.size());
+}
+
+int largestDifference(const Picture& a, const Picture& b)
+{
+    EXPECT_EQ(a.pixels.size(), b.pixels.size());
+    int most = 0;
+    for (size_t i = 0; i < std::min(a.pixels.size(), b.pixels.size()); ++i)
+        most = std::max(most, std::abs(a.pixels[i] - b.pixels[i]));
+    return most;
+}
+
+}  // namespace
+
+TEST_F(DecodeCommand, ReadsWhatThePackagedToolsWrite)
+{
+    savePnm("in.ppm", peer::draw(97, 75, 3, Scene::Soft));
+    const std::vector<std::vector<std::string>> optionSets = {
+        {"-quality", "90"},
+        {"-quality", "75", "-sample", "1x1"},
+        {"-quality", "60", "-sample", "2x1", "-restart", "1"},
+        {"-quality", "95", "-sample", "1x2", "-optimize"},
+        {"-quality", "85", "-sample", "4x1", "-restart", "3B"},
+        {"-quality", "90,50,30", "-sample", "2x2,2x1,1x1", "-optimize"},
+        {"-grayscale", "-quality", "80"},
+        {"-rgb", "-quality", "80"},
+        {"-quality", "100", "-dct", "float", "-sample", "1x1"},
+    };
+    for (const std::vector<std::string>& options : optionSets) {
+        SCOPED_TRACE(testing::PrintToString(options));
+        std::vector<std::string> writer = {"cjpeg"};
+        writer.insert(writer.end(), options.begin(), options.end());
+        writer.insert(writer.end(), {"-outfile", path("in.jpg"), path("in.ppm")});
+        ASSERT_EQ(0, run(writer).status);
+        ASSERT_EQ(
+            0, run({"djpeg", "-dct", "int", "-nosmooth", "-pnm", "-outfile", path("peer.pnm"), path("in.jpg")}).status);
+        const Picture expected = loadPnm("peer.pnm");
+        const std::string name = expected.channels == 1 ? "out.pgm" : "out.ppm";
+        const Outcome outcome = vekpix({"decode", path("in.jpg"), path(name)});
+        ASSERT_EQ(0, outcome.status) << outcome.errors;
+        EXPECT_EQ("", outcome.errors);
+        const Picture actual = loadPnm(name);
+        ASSERT_EQ(expected.width, actual.width);
+        ASSERT_EQ(expected.height, actual.height);
+        EXPECT_LE(largestDifference(expected, actual), 3);
+        EXPECT_LE(meanDifference(expected, actual), 0.3);
+    }
+}
+
+TEST_F(DecodeCommand, WritesPngPpmAndPgmOfAnyScale)
+{
+    const std::vector<uint8_t> colour = peer::write(peer::draw(61, 45, 3, Scene::Soft), {});
+    const std::vector<uint8_t> grey = peer::write(peer::draw(61, 45, 1, Scene::Soft), {.stored = Stored::Grey});
+    save("colour.jpg", colour);
+    save("grey.jpg", grey);
+    for (const int scale : {1, 2, 4, 8}) {
+        const std::string number = std::to_string(scale);
+        ASSERT_EQ(0, vekpix({"decode", path("colour.jpg"), path("out.ppm"), "--scale", number}).status);
+        EXPECT_TRUE(support::decode(colour, {scale, 1}).pixels == loadPnm("out.ppm").pixels);
+        ASSERT_EQ(0, vekpix({"decode", path("grey.jpg"), path("out.pgm"), "--scale", number}).status);
+        EXPECT_TRUE(support::decode(grey, {scale, 1}).pixels == loadPnm("out.pgm").pixels);
+        ASSERT_EQ(0,
+                  vekpix({"decode", path("colour.jpg"), path("out.png"), "--scale", number, "--threads", "1"}).status);
+        const Outcome info = vekpix({"info", path("out.png")});
+        EXPECT_EQ(0, info.status);
+        const int width = (61 + scale - 1) / scale;
+        EXPECT_NE(std::string::npos, info.output.find(std::to_string(width) + " x ")) << info.output;
+    }
+}
+
+TEST_F(DecodeCommand, DamagedFilesGiveOneLineAndNoPicture)
+{
+    std::vector<uint8_t> file = peer::write(peer::draw(61, 45, 3, Scene::Soft), {});
+    file.resize(file.size() / 2);
+    save("cut.jpg", file);
+    save("text.jpg", std::vector<uint8_t>{'t', 'e', 'x', 't'});
+    for (const std::string name : {"cut.jpg", "text.jpg", "missing.jpg"}) {
+        const Outcome outcome = vekpix({"decode", path(name), path("out.png")});
+        EXPECT_EQ(1, outcome.status);
+        EXPECT_EQ("", outcome.output);
+        EXPECT_EQ(0u, outcome.errors.find("vekpix: ")) << outcome.errors;
+        EXPECT_NE(std::string::npos, outcome.errors.find(path(name) + ": ")) << outcome.errors;
+        EXPECT_EQ(outcome.errors.size() - 1, outcome.errors.find('\n')) << outcome.errors;
+        EXPECT_FALSE(fs::exists(path("out.png")));
+    }
+    EXPECT_EQ(1, vekpix({"decode", path("cut.jpg"), path("out.tif")}).status);
+    EXPECT_EQ(1, vekpix({"decode", path("cut.jpg"), path("out.png"), "--scale", "3"}).status);
+    EXPECT_EQ(1, vekpix({"info", path("text.jpg")}).status);
+}
+
+TEST_F(DecodeCommand, InfoTellsMarkersAndTables)
+{
+    save("in.jpg", peer::write(peer::draw(61, 45, 3, Scene::Soft), {.restartInterval = 4}));
+    const Outcome outcome = vekpix({"info", path("in.jpg")});
+    EXPECT_EQ(0, outcome.status);
+    for (const char* words : {"SOF0", "61 x 45", "restart interval of 4", "quantisation table 1", "AC table 0"})
+        EXPECT_NE(std::string::npos, outcome.output.find(words)) << outcome.output;
+}
+
+TEST_F(DecodeCommand, PeakMemoryStaysBelowTheRawPictureAnd64Mebibytes)
+{
+    const long allowed = 3000L * 2000 * 3 / 1024 + 64 * 1024;
+    for (const bool interleaved : {true, false})
+        for (const int restart : {0, 188}) {
+            save("large.jpg", peer::write(peer::draw(3000, 2000, 3, Scene::Soft), {.sampling = {{2, 2}, {1, 1}, {1, 1}},
+                                                                                   .restartInterval = restart,
+                                                                                   .interleaved = interleaved}));
+            const Outcome outcome = vekpix({"decode", path("large.jpg"), path("large.ppm")});
+            EXPECT_EQ(0, outcome.status) << outcome.errors;
+            if (!support::underSanitizer) {
+                EXPECT_LT(outcome.peakKilobytes, allowed);
+            }
+        }
+}
