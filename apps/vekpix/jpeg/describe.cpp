@@ -116,8 +116,7 @@ void describe(std::span<const uint8_t> file, std::ostream& out)
     else if (markers.position() < file.size())
         out << "  " << file.size() - markers.position() << " bytes behind the end marker\n";
     describeFrame(markers, out);
-    for (const ScanFound& found : scans)
-        describeScan(found.scan, markers.frame(), found.bytes, found.restarts, out);
+    for (const ScanFound& found : scans) describeScan(found.scan, markers.frame(), found.bytes, found.restarts, out);
 }
 
 }  // namespace vekpix::jpeg
