@@ -16,9 +16,9 @@ typedef struct VekDecodeHuffmanState VekDecodeHuffmanState;
 
 /** @name Huffman tables
  *  Tables are built from the lists of a DHT segment (ITU T.81, Annex C): `pListBits`, 16 bytes with the number of codes
- * of each length from 1 to 16, and `pListVals`, their symbols by increasing length. A table once built is only read;
- * any number of streams and threads may share it. Objects live in the caller's memory (GetBufSize, Init; at least
- * 8-byte aligned) or are allocated (InitAlloc, Free). Every null pointer is vekStsNullPointer.
+ *  of each length from 1 to 16, and `pListVals`, their symbols by increasing length. A table once built is only read;
+ *  any number of streams and threads may share it. Objects live in the caller's memory (GetBufSize, Init; at least
+ *  8-byte aligned) or are allocated (InitAlloc, Free). Every null pointer is vekStsNullPointer.
  *  @{ */
 
 /** Stores the size of a decoder table, 1644 bytes. */
@@ -26,12 +26,12 @@ VEK_API VekStatus vekiDecodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize);
 
 /** Builds a decoder table. A complete code, whose longest code is all ones, is accepted.
  *  @return vekStsOk, vekStsNullPointer, or vekStsJpegHuffmanTable for more than 256 codes or codes of up to 8 bits that
- * do not fit their length; the object is then partly built */
+ *          do not fit their length; the object is then partly built */
 VEK_API VekStatus vekiDecodeHuffmanSpecInit_JPEG_8u(const uint8_t* pListBits, const uint8_t* pListVals,
                                                     VekDecodeHuffmanSpec* pDecHuffSpec);
 
 /** Allocates and builds a decoder table. On vekStsJpegHuffmanTable the object is delivered all the same, and to be
- * freed; if memory is short the result is vekStsNullPointer and the pointer is left alone. */
+ *  freed; if memory is short the result is vekStsNullPointer and the pointer is left alone. */
 VEK_API VekStatus vekiDecodeHuffmanSpecInitAlloc_JPEG_8u(const uint8_t* pListBits, const uint8_t* pListVals,
                                                          VekDecodeHuffmanSpec** ppDecHuffSpec);
 
@@ -43,7 +43,7 @@ VEK_API VekStatus vekiEncodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize);
 
 /** Builds an encoder table. If a symbol stands twice in the list, its last code counts.
  *  @return vekStsOk, vekStsNullPointer, or vekStsJpegHuffmanTable for more than 256 codes or for a code that uses up
- * all the space of a length, so that its longest code would be all ones; the object is then partly built */
+ *          all the space of a length, so that its longest code would be all ones; the object is then partly built */
 VEK_API VekStatus vekiEncodeHuffmanSpecInit_JPEG_8u(const uint8_t* pListBits, const uint8_t* pListVals,
                                                     VekEncodeHuffmanSpec* pEncHuffSpec);
 
@@ -55,19 +55,19 @@ VEK_API VekStatus vekiEncodeHuffmanSpecInitAlloc_JPEG_8u(const uint8_t* pListBit
 VEK_API VekStatus vekiEncodeHuffmanSpecFree_JPEG_8u(VekEncodeHuffmanSpec* pEncHuffSpec);
 
 /** Derives the lists of an optimal table from how often each symbol occurs (ITU T.81, Annex K.2). No code is longer
- * than 16 bits or all ones.
+ *  than 16 bits or all ones.
  *  @param pStatistics  256 counts; those above 1000000000 get no code
  *  @param pListBits    receives 16 bytes
  *  @param pListVals    receives as many symbols as have a code, at most 256
  *  @return vekStsOk, vekStsNullPointer, or vekStsJpegHuffmanTable with nothing written if a code would be longer than
- * 32 bits before lengths are limited */
+ *          32 bits before lengths are limited */
 VEK_API VekStatus vekiEncodeHuffmanRawTableInit_JPEG_8u(const int* pStatistics, uint8_t* pListBits, uint8_t* pListVals);
 /** @} */
 
 /** @name Sequential encoder
  *  Writes quantised blocks as the bits of an entropy-coded segment (ITU T.81, F.1.2), byte stuffing included, but no
- * marker. A state belongs to one stream: initialise it, encode the blocks of the segment in their order, then flush.
- * Blocks are 64 coefficients in natural order.
+ *  marker. A state belongs to one stream: initialise it, encode the blocks of the segment in their order, then flush.
+ *  Blocks are 64 coefficients in natural order.
  *  @{ */
 
 /** Stores the size of an encoder state, 1048 bytes. A null pointer is vekStsNullPointer. */
@@ -77,14 +77,14 @@ VEK_API VekStatus vekiEncodeHuffmanStateGetBufSize_JPEG_8u(int* pSize);
 VEK_API VekStatus vekiEncodeHuffmanStateInit_JPEG_8u(VekEncodeHuffmanState* pEncHuffState);
 
 /** Allocates and initialises a state. vekStsNullPointer for a null pointer, or with the pointer left alone if memory is
- * short. */
+ *  short. */
 VEK_API VekStatus vekiEncodeHuffmanStateInitAlloc_JPEG_8u(VekEncodeHuffmanState** ppEncHuffState);
 
 /** Releases a state that vekiEncodeHuffmanStateInitAlloc_JPEG_8u() gave. A null pointer is vekStsNullPointer. */
 VEK_API VekStatus vekiEncodeHuffmanStateFree_JPEG_8u(VekEncodeHuffmanState* pEncHuffState);
 
 /** Encodes one block, or with `bFlushState` pads the pending bits with 1 bits to a byte, writes it and resets the
- * state.
+ *  state.
  *  @param pSrc         the block; not looked at by a flush, like the tables and `pLastDC`
  *  @param pDst         the segment; bytes behind the position may be written, none at or behind `dstLenBytes`
  *  @param dstLenBytes  bytes that the segment has room for
@@ -94,9 +94,9 @@ VEK_API VekStatus vekiEncodeHuffmanStateFree_JPEG_8u(VekEncodeHuffmanState* pEnc
  *  @param pEncHuffState       0 to 7 bits that are pending between calls
  *  @param bFlushState  not 0 to flush
  *  @return vekStsOk, or the first that applies: vekStsNullPointer (pDst), vekStsBadSize (dstLenBytes below 1),
- * vekStsNullPointer (pDstCurrPos, pEncHuffState; and if it is no flush pSrc, pLastDC, pDcTable, pAcTable);
- * vekStsJpegHuffmanTable for a symbol without a code, vekStsJpegOutOfBuffer for a full destination: the bytes written
- * so far stay, the block cannot be resumed */
+ *          vekStsNullPointer (pDstCurrPos, pEncHuffState; and if it is no flush pSrc, pLastDC, pDcTable, pAcTable);
+ *          vekStsJpegHuffmanTable for a symbol without a code, vekStsJpegOutOfBuffer for a full destination: the bytes
+ *          written so far stay, the block cannot be resumed */
 VEK_API VekStatus vekiEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
                                                      int* pDstCurrPos, int16_t* pLastDC,
                                                      const VekEncodeHuffmanSpec* pDcTable,
@@ -104,9 +104,9 @@ VEK_API VekStatus vekiEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* pSrc, uint8_
                                                      VekEncodeHuffmanState* pEncHuffState, int bFlushState);
 
 /** Encodes one block at a bit position, without a state and without a limit: the caller guarantees the room. Symbols
- * without a code are left out.
+ *  without a code are left out.
  *  @param pDstBitsLen  bits in `pDst` so far, stuffed bytes included; advances. The bits of the last byte below it
- * become zero, and if it ends on a byte, so does the byte behind it.
+ *                      become zero, and if it ends on a byte, so does the byte behind it.
  *  @return vekStsOk, or vekStsNullPointer with nothing written */
 VEK_API VekStatus vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int* pDstBitsLen,
                                                             int16_t* pLastDC, const VekEncodeHuffmanSpec* pDcTable,
@@ -116,25 +116,25 @@ VEK_API VekStatus vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pSrc,
  *  @param pDcStatistics, pAcStatistics  256 counters each, which are added to
  *  @param pLastDC                       as for the encoder
  *  @return vekStsOk; vekStsNullPointer; vekStsJpegMarkerShort for a DC category above 15 or an AC category above 14,
- * what is counted until then staying counted */
+ *          what is counted until then staying counted */
 VEK_API VekStatus vekiGetHuffmanStatistics8x8_JPEG_16s_C1(const int16_t* pSrc, int* pDcStatistics, int* pAcStatistics,
                                                           int16_t* pLastDC);
 /** @} */
 
 /** @name Sequential decoder
  *  Reads blocks from an entropy-coded segment (ITU T.81, F.2.2). Stuffing is removed; at a marker the reader stops, and
- * hands its code to the caller. Blocks are 64 coefficients in natural order, at any address.
+ *  hands its code to the caller. Blocks are 64 coefficients in natural order, at any address.
  *  @{ */
 
 /** Stores the size of a decoder state, 24 bytes. A null pointer is vekStsNullPointer. */
 VEK_API VekStatus vekiDecodeHuffmanStateGetBufSize_JPEG_8u(int* pSize);
 
 /** Initialises a state, at the beginning of a scan and after each restart marker. A null pointer is vekStsNullPointer.
- */
+ *  */
 VEK_API VekStatus vekiDecodeHuffmanStateInit_JPEG_8u(VekDecodeHuffmanState* pDecHuffState);
 
 /** Allocates and initialises a state. vekStsNullPointer for a null pointer, or with the pointer left alone if memory is
- * short. */
+ *  short. */
 VEK_API VekStatus vekiDecodeHuffmanStateInitAlloc_JPEG_8u(VekDecodeHuffmanState** ppDecHuffState);
 
 /** Releases a state that vekiDecodeHuffmanStateInitAlloc_JPEG_8u() gave. A null pointer is vekStsNullPointer. */
@@ -147,14 +147,14 @@ VEK_API VekStatus vekiDecodeHuffmanStateFree_JPEG_8u(VekDecodeHuffmanState* pDec
  *  @param pDst         receives the block, cleared first
  *  @param pLastDC      DC coefficient of the component's last block; takes this block's
  *  @param pMarker      0, or the code of the marker that has stopped the reader; it reads on when the caller has set it
- * to 0 again
+ *                      to 0 again
  *  @param pDcTable, pAcTable  tables of the component
  *  @param pDecHuffState       bits read ahead
  *  @return vekStsOk, or the first that applies: vekStsNullPointer (pSrc), vekStsBadArgument (srcLenBytes below 0),
- * vekStsNullPointer (the others, in their order); vekStsJpegOutOfBuffer if the source ends before the bits asked for,
- * or right behind a 0xFF; vekStsJpegMarkerShort if a marker comes before them, or if no code matches;
- * vekStsJpegCoefOverrun if a run leads far beyond the block. Coefficients decoded until then stay, and so does
- * `pLastDC`. */
+ *          vekStsNullPointer (the others, in their order); vekStsJpegOutOfBuffer if the source ends before the bits
+ *          asked for, or right behind a 0xFF; vekStsJpegMarkerShort if a marker comes before them, or if no code
+ *          matches; vekStsJpegCoefOverrun if a run leads far beyond the block. Coefficients decoded until then stay,
+ *          and so does `pLastDC`. */
 VEK_API VekStatus vekiDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
                                                      int16_t* pDst, int16_t* pLastDC, int* pMarker,
                                                      const VekDecodeHuffmanSpec* pDcTable,
@@ -162,15 +162,15 @@ VEK_API VekStatus vekiDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int sr
                                                      VekDecodeHuffmanState* pDecHuffState);
 
 /** Decodes one block at a bit position, with the bits read ahead in the caller's hands. The source has no length: the
- * caller guarantees that a marker ends it. Bits that a marker cuts off end the block quietly.
+ *  caller guarantees that a marker ends it. Bits that a marker cuts off end the block quietly.
  *  @param pSrcBitsLen              position in bits, a multiple of 8, behind the bits read ahead
  *  @param pPrefetchedBits          the bits read ahead, the newest in bit 0
  *  @param pNumValidPrefetchedBits  how many there are
  *  @return vekStsOk, or the first that applies: vekStsNullPointer (pSrc, pSrcBitsLen), vekStsBadArgument (*pSrcBitsLen
- * below 0), vekStsNullPointer (pDst, pLastDC, pMarker, pPrefetchedBits, pNumValidPrefetchedBits), vekStsBadArgument
- *          (*pNumValidPrefetchedBits below 0), vekStsNullPointer (pDcTable, pAcTable); vekStsJpegOutOfBuffer if a
- * marker leaves no bit for a magnitude, vekStsJpegMarkerShort if no code matches, vekStsJpegCoefOverrun if a run leads
- * far beyond the block */
+ *          below 0), vekStsNullPointer (pDst, pLastDC, pMarker, pPrefetchedBits, pNumValidPrefetchedBits),
+ *          vekStsBadArgument (*pNumValidPrefetchedBits below 0), vekStsNullPointer (pDcTable, pAcTable);
+ *          vekStsJpegOutOfBuffer if a marker leaves no bit for a magnitude, vekStsJpegMarkerShort if no code matches,
+ *          vekStsJpegCoefOverrun if a run leads far beyond the block */
 VEK_API VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc, int* pSrcBitsLen, int16_t* pDst,
                                                             int16_t* pLastDC, int* pMarker, uint32_t* pPrefetchedBits,
                                                             int* pNumValidPrefetchedBits,

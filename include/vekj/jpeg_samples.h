@@ -7,8 +7,8 @@
 
 /** @name Quantisation tables and level shift
  *  A raw table is 64 steps of 8 bits, in the zig-zag order of a DQT segment. The tables made from it are in natural
- * row-major order: the forward one holds round(32768 / step), 65535 for a step of 0, the inverse one the steps. A block
- * is 64 contiguous coefficients in natural order. Nothing needs alignment.
+ *  row-major order: the forward one holds round(32768 / step), 65535 for a step of 0, the inverse one the steps. A
+ *  block is 64 contiguous coefficients in natural order. Nothing needs alignment.
  *  @{ */
 
 /** Scales a raw table in place by a quality factor.
@@ -46,25 +46,25 @@ VEK_API VekStatus vekiQuantInv8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16_t*
  *  @param srcStep, dstStep  bytes from one row to the next
  *  @param roiSize           samples in a row, and rows. More than 8192 samples are shared among threads.
  *  @return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrc), vekStsBadStep (srcStep
- * below 1), vekStsNullPointer (pDst), vekStsBadStep (dstStep below 1), vekStsBadSize (a side below 1) */
+ *          below 1), vekStsNullPointer (pDst), vekStsBadStep (dstStep below 1), vekStsBadSize (a side below 1) */
 VEK_API VekStatus vekiSub128_JPEG_8u16s_C1R(const uint8_t* pSrc, int srcStep, int16_t* pDst, int dstStep,
                                             VekSize roiSize);
 
 /** Level shift up with clipping: dst = src + 128, clipped to 0 .. 255. Arguments and errors of
- * vekiSub128_JPEG_8u16s_C1R(). */
+ *  vekiSub128_JPEG_8u16s_C1R(). */
 VEK_API VekStatus vekiAdd128_JPEG_16s8u_C1R(const int16_t* pSrc, int srcStep, uint8_t* pDst, int dstStep,
                                             VekSize roiSize);
 /** @} */
 
 /** @name Forward 8x8 DCT with quantisation
  *  The 8-bit members transform in 16-bit fixed point, to the bit the same for every input: columns first, with
- * saturating sums, then rows with 32-bit sums of products. They quantise by a forward table of
- * vekiQuantFwdTableInit_JPEG_8u16u():
+ *  saturating sums, then rows with 32-bit sums of products. They quantise by a forward table of
+ *  vekiQuantFwdTableInit_JPEG_8u16u():
  *
  *      q = x * t / 32768, rounded to the nearest integer with ties to even, saturated to 16 bits
  *
  *  which is not the rounding of vekiQuantFwd8x8_JPEG_16s_C1I(). Blocks are 64 contiguous coefficients in natural order;
- * nothing needs alignment.
+ *  nothing needs alignment.
  *  @{ */
 
 /** Transforms and quantises a block of level-shifted samples. `pDst` may be `pSrc`.
@@ -76,26 +76,26 @@ VEK_API VekStatus vekiDCTQuantFwd8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16
 
 /** Level shift by 128, transform and quantisation of 8 rows of 8 samples, `srcStep` bytes apart.
  *  @return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrc, pDst), vekStsBadStep
- * (srcStep below 1), vekStsNullPointer (pQuantFwdTable) */
+ *          (srcStep below 1), vekStsNullPointer (pQuantFwdTable) */
 VEK_API VekStatus vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(const uint8_t* pSrc, int srcStep, int16_t* pDst,
                                                       const uint16_t* pQuantFwdTable);
 
 /** The same for 12-bit samples, in single precision: level shift by 2048, transform, and multiplication by the 64
- * factors of `pQuantFwdTable` (1 / step, in natural order), to the nearest integer with ties to even, clipped to 16
- * bits. A product beyond 32 bits gives -32768. A sample of 32768 or more counts as negative. Errors of
- * vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(). */
+ *  factors of `pQuantFwdTable` (1 / step, in natural order), to the nearest integer with ties to even, clipped to 16
+ *  bits. A product beyond 32 bits gives -32768. A sample of 32768 or more counts as negative. Errors of
+ *  vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(). */
 VEK_API VekStatus vekiDCTQuantFwd8x8LS_JPEG_16u16s_C1R(const uint16_t* pSrc, int srcStep, int16_t* pDst,
                                                        const float* pQuantFwdTable);
 /** @} */
 
 /** @name Inverse 8x8 DCT with dequantisation
  *  Coefficients are multiplied by the steps of an inverse table of vekiQuantInvTableInit_JPEG_8u16u(), the products cut
- * to 16 bits, and transformed in 16-bit fixed point, rows first; to the bit the same for every input. The `LS` members
- * add 128 and clip to 0 .. 255. Which of them a block wants is the caller's decision: none looks at the coefficients.
- * Nothing needs alignment.
+ *  to 16 bits, and transformed in 16-bit fixed point, rows first; to the bit the same for every input. The `LS` members
+ *  add 128 and clip to 0 .. 255. Which of them a block wants is the caller's decision: none looks at the coefficients.
+ *  Nothing needs alignment.
  *
  *  The `LS` members return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrc, pDst),
- * vekStsBadStep (dstStep below 1), vekStsNullPointer (pQuantInvTable).
+ *  vekStsBadStep (dstStep below 1), vekStsNullPointer (pQuantInvTable).
  *  @{ */
 
 /** Dequantises and transforms a block; no level shift. `pDst` may be `pSrc`.
@@ -110,22 +110,22 @@ VEK_API VekStatus vekiDCTQuantInv8x8LS_JPEG_16s8u_C1R(const int16_t* pSrc, uint8
                                                       const uint16_t* pQuantInvTable);
 
 /** A block to 8x8 12-bit samples in single precision: `pQuantInvTable` holds 64 steps in natural order; 2048 is added,
- * the sum truncated towards zero and clipped to 0 .. 4095. */
+ *  the sum truncated towards zero and clipped to 0 .. 4095. */
 VEK_API VekStatus vekiDCTQuantInv8x8LS_JPEG_16s16u_C1R(const int16_t* pSrc, uint16_t* pDst, int dstStep,
                                                        const float* pQuantInvTable);
 
 /** A block of which only the 4x4 coefficients at the top left count, and are read, to 8x8 samples: the results of the
- * full form. */
+ *  full form. */
 VEK_API VekStatus vekiDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst, int dstStep,
                                                           const uint16_t* pQuantInvTable);
 
 /** A block of which only the 2x2 coefficients at the top left count, and are read, to 8x8 samples. The column pass adds
- * a correction of one of its own before the final shift. */
+ *  a correction of one of its own before the final shift. */
 VEK_API VekStatus vekiDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst, int dstStep,
                                                           const uint16_t* pQuantInvTable);
 
 /** A block of which only the DC coefficient counts, and is read: 8x8 samples of clip(((DC * step) >> 3) + 128), cut to
- * 16 bits before the clip. The shift does not round, unlike the full form. */
+ *  16 bits before the clip. The shift does not round, unlike the full form. */
 VEK_API VekStatus vekiDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst, int dstStep,
                                                           const uint16_t* pQuantInvTable);
 
@@ -140,17 +140,17 @@ VEK_API VekStatus vekiDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R(const int16_t* pSrc, 
 
 /** @name MCU conversions
  *  One minimum coded unit between interleaved pixels and planes of 8x8 blocks of level-shifted 16-bit samples, in the
- * order Y, Cb, Cr, K.
+ *  order Y, Cb, Cr, K.
  *
- *  | name | pixels | Y plane, K plane                                                   | Cb, Cr planes |
- *  |------|--------|--------------------------------------------------------------------|----------------------------------|
- *  | 444  | 8x8    | 1 block                                                            | 1 block each | | 422  | 16x8
- * | 2 blocks: left, right                                              | 1 block each, for 2 columns      | | 411  |
- * 16x16  | 4 blocks: top left, top right, bottom left, bottom right           | 1 block each, for 2x2 pixels     |
+ *  | name | pixels | Y plane, K plane                                         | Cb, Cr planes                |
+ *  |------|--------|----------------------------------------------------------|------------------------------|
+ *  | 444  | 8x8    | 1 block                                                  | 1 block each                 |
+ *  | 422  | 16x8   | 2 blocks: left, right                                    | 1 block each, for 2 columns  |
+ *  | 411  | 16x16  | 4 blocks: top left, top right, bottom left, bottom right | 1 block each, for 2x2 pixels |
  *
  *  Pixels are 3 bytes, 4 bytes (CMYK), or 16-bit words with blue in the low bits; steps are in bytes. The alignment of
- * the planes chooses the arithmetic of the members that have two forms: "aligned" means a multiple of 16. Pixels need
- * no alignment, and no plane needs it for its own sake. Shifts are arithmetic; clip is to 0 .. 255.
+ *  the planes chooses the arithmetic of the members that have two forms: "aligned" means a multiple of 16. Pixels need
+ *  no alignment, and no plane needs it for its own sake. Shifts are arithmetic; clip is to 0 .. 255.
  *
  *  To pixels, offsets t of a pixel's chroma, and the sums with Y wrapping at 16 bits:
  *
@@ -165,22 +165,23 @@ VEK_API VekStatus vekiDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R(const int16_t* pSrc, 
  *          B = clip(Y + ((116130 Cb) >> 16) + 128)
  *
  *  Chroma is replicated. CMYK pixels are 255 - R, 255 - G, 255 - B and clip(K + 128), or with a plane not aligned the
- * low byte of K + 128. Packed pixels drop the low bits.
+ *  low byte of K + 128. Packed pixels drop the low bits.
  *
  *  From pixels, with R, G, B of chroma the sums over the n = 1, 2 or 4 pixels that share a sample:
  *
  *      Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14
  *      Cb = (-2764 R - 5428 G + 8192 B + 8192 n) >> (14 + log2 n),  Cr = (8192 R - 6860 G - 1332 B + 8192 n) >> (14 +
- * log2 n) 411 from RGB and BGR with a Y plane not aligned; CMYK with a plane not aligned (444: any, else Y or K): Y =
- * ((19595 R + 38470 G + 7471 B) >> 16) - 128 Cb = (-11059 R - 21709 G + 32768 B) >> (16 + log2 n),  Cr = (32768 R -
- * 27439 G - 5329 B) >> (16 + log2 n)
+ *      log2 n)
+ *      411 from RGB and BGR with a Y plane not aligned; CMYK with a plane not aligned (444: any, else Y or K):
+ *          Y = ((19595 R + 38470 G + 7471 B) >> 16) - 128
+ *          Cb = (-11059 R - 21709 G + 32768 B) >> (16 + log2 n),  Cr = (32768 R - 27439 G - 5329 B) >> (16 + log2 n)
  *
  *  CMYK gives R = 255 - C and so on, and K - 128; its 444 member rounds chroma with 8133 instead of 8192. Fields of
- * packed pixels are widened by a shift alone.
+ *  packed pixels are widened by a shift alone.
  *
  *  Results to pixels: vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrcMCU, pDst, a
- * plane), vekStsBadStep (dstStep below 1). Results from pixels: vekStsNullPointer (pSrc, pDstMCU), vekStsBadStep
- * (srcStep below 1), vekStsNullPointer (a plane).
+ *  plane), vekStsBadStep (dstStep below 1). Results from pixels: vekStsNullPointer (pSrc, pDstMCU), vekStsBadStep
+ *  (srcStep below 1), vekStsNullPointer (a plane).
  *  @{ */
 
 /** YCbCr planes of a 444 MCU to RGB pixels. */
@@ -292,7 +293,7 @@ VEK_API VekStatus vekiSampleDown444LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int s
 VEK_API VekStatus vekiSampleDown422LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int srcStep, int16_t* const pDstMCU[3]);
 
 /** Interleaved Y, Cb, Cr samples to the planes of a 411 MCU: Y - 128, and of four chroma samples (a + b + c + d - 512)
- * >> 2. */
+ *  >> 2. */
 VEK_API VekStatus vekiSampleDown411LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int srcStep, int16_t* const pDstMCU[3]);
 
 /** The stream Y0 Cb0 Y1 Cr0 Y2 Cb1 ... to the planes of a 422 MCU: x - 128. */
