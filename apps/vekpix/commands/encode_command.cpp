@@ -1,7 +1,71 @@
+#include <memory>
+#include <string>
+
 #include "commands/commands.h"
+#include "commands/progress.h"
+#include "error.h"
+#include "image/formats.h"
+#include "io/output_file.h"
+#include "jpeg/encoder.h"
+#include "vekcore.h"
 
 namespace vekpix {
 
-void addEncodeCommand(CLI::App& app) { app.add_subcommand("encode"); }
+namespace {
+
+struct EncodeArguments {
+    std::string input;
+    std::string output;
+    std::string sampling = "420";
+    jpeg::EncodeOptions options;
+};
+
+jpeg::ChromaSampling samplingNamed(const std::string& name)
+{
+    if (name == "444")
+        return jpeg::ChromaSampling::Full444;
+    return name == "422" ? jpeg::ChromaSampling::Half422 : jpeg::ChromaSampling::Quarter420;
+}
+
+void runEncode(EncodeArguments arguments)
+{
+    if (formatOf(arguments.output) != ImageFormat::Jpeg)
+        throw Error(arguments.output + ": the coded picture must be named .jpg or .jpeg");
+    const std::unique_ptr<RowReader> picture = openPicture(arguments.input);
+    OutputFile file(arguments.output);
+    Progress progress(int64_t{picture->height()} * jpeg::encodePasses(arguments.options));
+    arguments.options.sampling = samplingNamed(arguments.sampling);
+    arguments.options.onRows = [&](int rows) { progress.advance(rows); };
+    jpeg::encode(*picture, file, arguments.options);
+    file.commit();
+}
+
+}  // namespace
+
+void addEncodeCommand(CLI::App& app)
+{
+    auto arguments = std::make_shared<EncodeArguments>();
+    jpeg::EncodeOptions& options = arguments->options;
+    options.threads = ownGetNumThreads();
+
+    CLI::App* command = app.add_subcommand("encode", "Code a picture as a JPEG file");
+    command->add_option("input", arguments->input, "Picture to code: .png, .ppm or .pgm")->required();
+    command->add_option("output", arguments->output, "File to write: .jpg")->required();
+    command->add_option("--quality", options.quality, "1 (smallest file) to 100 (best picture)")
+        ->check(CLI::Range(1, 100))
+        ->capture_default_str();
+    command->add_option("--sampling", arguments->sampling, "Chroma samples: 444 all, 422 half, 420 a quarter")
+        ->check(CLI::IsMember({"444", "422", "420"}))
+        ->capture_default_str();
+    command->add_option("--restart", options.restartInterval, "Restart marker every N MCUs; 0 for none")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    command->add_flag("--optimize", options.optimizeTables, "Make Huffman tables for this picture: a smaller file");
+    command->add_flag("--gray,--grey", options.grey, "Code the luminance only");
+    command->add_option("--threads", options.threads, "Threads that may work")
+        ->check(CLI::Range(1, 1024))
+        ->capture_default_str();
+    command->callback([arguments] { runEncode(*arguments); });
+}
 
 }  // namespace vekpix

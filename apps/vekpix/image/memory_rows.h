@@ -27,11 +27,8 @@ public:
     MemoryRows(const Shape& shape, const uint8_t* pixels, size_t step);  // a step of 0: rows without gaps
 
     void readRows(uint8_t* pixels, size_t step, int rows) override;
+    const uint8_t* takeRows(int rows, size_t& step) override;
     bool rewind() override;
-
-    // The next `rows` rows where they lie, passed over as if they had been read.
-    const uint8_t* takeRows(int rows);
-    size_t step() const { return step_; }
 
 private:
     const uint8_t* pixels_;

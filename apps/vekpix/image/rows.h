@@ -26,6 +26,9 @@ public:
 
     // Stores the next `rows` rows at `pixels`, each `step` bytes behind the one before. No more rows than are left.
     virtual void readRows(uint8_t* pixels, size_t step, int rows) = 0;
+    // The next `rows` rows where they lie in memory, `step` bytes apart, passed over as if they had been read; null,
+    // with nothing done, if the source does not hold them there.
+    virtual const uint8_t* takeRows(int /*rows*/, size_t& /*step*/) { return nullptr; }
     // Goes back to the first row, if the source can: otherwise false, with nothing changed.
     virtual bool rewind() { return false; }
 

@@ -1,0 +1,91 @@
+#include "jpeg/encoder.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "error.h"
+#include "image/memory_rows.h"
+#include "jpeg/entropy_writer.h"
+#include "jpeg/library_status.h"
+#include "jpeg/marker_writer.h"
+#include "jpeg/mcu_transform.h"
+#include "jpeg/scan_passes.h"
+#include "jpeg/standard_tables.h"
+
+namespace vekpix::jpeg {
+
+namespace {
+
+constexpr int maxSize = 65535;  // columns, rows, MCUs of a restart interval: 16-bit fields (T.81, B.2.2 and B.2.4.4)
+
+void checkRange(const char* what, int value, int least, int most)
+{
+    if (value < least || value > most)
+        throw Error(std::string(what) + " must be between " + std::to_string(least) + " and " + std::to_string(most) +
+                    ", not " + std::to_string(value));
+}
+
+void check(const Shape& picture, const EncodeOptions& options)
+{
+    checkRange("the quality", options.quality, 1, 100);
+    checkRange("the restart interval", options.restartInterval, 0, maxSize);
+    if (options.threads < 1)
+        throw Error("at least one thread must work");
+    if (picture.width < 1 || picture.height < 1)
+        throw Error("the picture is empty");
+    if (picture.width > maxSize || picture.height > maxSize)
+        throw Error("the picture has " + std::to_string(picture.width) + " x " + std::to_string(picture.height) +
+                    " pixels; a JPEG file holds 65535 x 65535 at most");
+}
+
+QuantizerSteps scaled(QuantizerSteps steps, int quality)
+{
+    expectOk(vekiQuantFwdRawTableInit_JPEG_8u(steps.data(), quality), "quantisation table");
+    return steps;
+}
+
+// The same rows, from a source that can be read once more.
+class Rewindable {
+public:
+    explicit Rewindable(RowReader& source) : rows_(&source)
+    {
+        if (source.rewind())
+            return;
+        picture_ = readPicture(source);
+        rows_ = &memory_.emplace(*picture_);
+    }
+    RowReader& rows() { return *rows_; }
+
+private:
+    RowReader* rows_;
+    std::optional<Raster> picture_;
+    std::optional<MemoryRows> memory_;
+};
+
+}  // namespace
+
+void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options)
+{
+    check(picture.shape(), options);
+    const McuLayout layout(picture.shape(), options);
+    const ScanLayout scan = {layout.colour ? layout.luminanceBlocks() : 1, layout.blocksPerMcu(),
+                             options.restartInterval, int64_t{layout.mcusPerRow()} * layout.mcuRows()};
+    const std::array<QuantizerSteps, 2> steps = {scaled(standardLuminanceSteps, options.quality),
+                                                 scaled(standardChrominanceSteps, options.quality)};
+    const McuTransform transform(layout, steps[0], steps[1]);
+
+    ScanTables lists = {{standardLuminanceDc, standardChrominanceDc}, {standardLuminanceAc, standardChrominanceAc}};
+    RowReader* rows = &picture;
+    std::optional<Rewindable> again;
+    if (options.optimizeTables) {
+        rows = &again.emplace(picture).rows();
+        lists = countSymbols(*rows, transform, scan, options).optimalTables();
+        rows->rewind();
+    }
+    writeHeaders(file, layout, steps, lists, options.restartInterval);
+    writeScan(*rows, transform, scan, EncoderTables(lists), options, file);
+    writeEnd(file);
+}
+
+}  // namespace vekpix::jpeg

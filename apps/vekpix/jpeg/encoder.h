@@ -1,0 +1,32 @@
+// A picture becomes a sequential JPEG file (ITU T.81, Annex F.1), in bands from top to bottom.
+#ifndef VEKPIX_JPEG_ENCODER_H
+#define VEKPIX_JPEG_ENCODER_H
+
+#include <functional>
+
+#include "image/rows.h"
+#include "io/byte_sink.h"
+
+namespace vekpix::jpeg {
+
+enum class ChromaSampling { Full444, Half422, Quarter420 };
+
+struct EncodeOptions {
+    int quality = 85;  // 1 .. 100: scales the tables of T.81, Annex K
+    ChromaSampling sampling = ChromaSampling::Quarter420;
+    int restartInterval = 0;               // MCUs between restart markers; 0: none
+    bool optimizeTables = false;           // Huffman tables made for the picture, by a second pass over it
+    bool grey = false;                     // of a colour picture, code the luminance only
+    int threads = 1;                       // threads that may work on the picture; the file does not depend on it
+    std::function<void(int rows)> onRows;  // hears of rows done, encodePasses() times the height in all
+};
+
+inline int encodePasses(const EncodeOptions& options) { return options.optimizeTables ? 2 : 1; }
+
+// An Error if the options or the picture's size do not suit the format. Memory: a few bands; with optimizeTables, the
+// whole picture too if it comes from a source that cannot be rewound.
+void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options);
+
+}  // namespace vekpix::jpeg
+
+#endif
