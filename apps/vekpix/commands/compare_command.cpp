@@ -1,7 +1,123 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "commands/commands.h"
+#include "error.h"
+#include "image/formats.h"
+#include "io/input_file.h"
+#include "jpeg/jpeg_rows.h"
+#include "vekcore.h"
 
 namespace vekpix {
 
-void addCompareCommand(CLI::App& app) { app.add_subcommand("compare"); }
+namespace {
+
+struct CompareArguments {
+    std::string first;
+    std::string second;
+};
+
+struct Difference {
+    int64_t squares = 0;
+    int64_t samples = 0;
+    int largest = 0;
+
+    void add(int a, int b)
+    {
+        const int difference = std::abs(a - b);
+        squares += int64_t{difference} * difference;
+        largest = std::max(largest, difference);
+        ++samples;
+    }
+    void add(const Difference& other)
+    {
+        squares += other.squares;
+        samples += other.samples;
+        largest = std::max(largest, other.largest);
+    }
+    // Peak signal-to-noise ratio in decibels; infinite for equal pictures.
+    double psnr() const
+    {
+        return 10 * std::log10(255.0 * 255.0 * static_cast<double>(samples) / static_cast<double>(squares));
+    }
+};
+
+std::unique_ptr<RowReader> openAny(const std::string& path)
+{
+    return formatOf(path) == ImageFormat::Jpeg ? jpeg::openJpeg(path, ownGetNumThreads()) : openPicture(path);
+}
+
+std::string sizeOf(const RowReader& picture)
+{
+    return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
+}
+
+// Differences per channel. A grey picture beside a coloured one counts as one of equal colours.
+std::vector<Difference> differences(RowReader& first, RowReader& second)
+{
+    constexpr int bandRows = 64;
+    const auto channels = static_cast<size_t>(std::max(first.channels(), second.channels()));
+    std::vector<Difference> sums(channels);
+    std::array<std::vector<uint8_t>, 2> bands;
+    const std::array<RowReader*, 2> pictures = {&first, &second};
+    const std::array<size_t, 2> pixelStep = {static_cast<size_t>(first.channels()),
+                                             static_cast<size_t>(second.channels())};
+    for (int y = 0; y < first.height(); y += bandRows) {
+        const int rows = std::min(bandRows, first.height() - y);
+        for (size_t i = 0; i < 2; ++i) {
+            bands[i].resize(pictures[i]->shape().rowBytes() * static_cast<size_t>(rows));
+            pictures[i]->readRows(bands[i].data(), pictures[i]->shape().rowBytes(), rows);
+        }
+        const size_t pixels = static_cast<size_t>(first.width()) * static_cast<size_t>(rows);
+        for (size_t c = 0; c < channels; ++c)
+            for (size_t p = 0; p < pixels; ++p)
+                sums[c].add(bands[0][p * pixelStep[0] + std::min(c, pixelStep[0] - 1)],
+                            bands[1][p * pixelStep[1] + std::min(c, pixelStep[1] - 1)]);
+    }
+    return sums;
+}
+
+void print(const char* channel, const Difference& difference)
+{
+    std::printf("%-8s  PSNR %6.2f dB  largest difference %d\n", channel, difference.psnr(), difference.largest);
+}
+
+void compare(const CompareArguments& arguments)
+{
+    const std::unique_ptr<RowReader> first = openAny(arguments.first);
+    const std::unique_ptr<RowReader> second = openAny(arguments.second);
+    if (first->width() != second->width() || first->height() != second->height())
+        throw Error("the pictures differ in size: " + arguments.first + " has " + sizeOf(*first) + " pixels, " +
+                    arguments.second + " has " + sizeOf(*second));
+    const std::vector<Difference> sums = differences(*first, *second);
+    if (sums.size() == 1) {
+        print("grey", sums[0]);
+        return;
+    }
+    constexpr std::array<const char*, 3> names = {"red", "green", "blue"};
+    Difference all;
+    for (size_t c = 0; c < sums.size(); ++c) {
+        print(names[c], sums[c]);
+        all.add(sums[c]);
+    }
+    print("all", all);
+}
+
+}  // namespace
+
+void addCompareCommand(CLI::App& app)
+{
+    auto arguments = std::make_shared<CompareArguments>();
+    CLI::App* command = app.add_subcommand("compare", "Compares two pictures of the same size.");
+    command->add_option("first", arguments->first, "PNG, PPM, PGM or JPEG file")->required();
+    command->add_option("second", arguments->second, "PNG, PPM, PGM or JPEG file")->required();
+    command->callback([arguments] { compare(*arguments); });
+}
 
 }  // namespace vekpix

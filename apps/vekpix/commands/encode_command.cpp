@@ -34,6 +34,8 @@ void runEncode(EncodeArguments arguments)
     const std::unique_ptr<RowReader> picture = openPicture(arguments.input);
     OutputFile file(arguments.output);
     Progress progress(int64_t{picture->height()} * jpeg::encodePasses(arguments.options));
+    if (arguments.options.threads == 0)
+        arguments.options.threads = ownGetNumThreads();
     arguments.options.sampling = samplingNamed(arguments.sampling);
     arguments.options.onRows = [&](int rows) { progress.advance(rows); };
     jpeg::encode(*picture, file, arguments.options);
@@ -46,24 +48,24 @@ void addEncodeCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<EncodeArguments>();
     jpeg::EncodeOptions& options = arguments->options;
-    options.threads = ownGetNumThreads();
+    options.threads = 0;
 
-    CLI::App* command = app.add_subcommand("encode", "Code a picture as a JPEG file");
-    command->add_option("input", arguments->input, "Picture to code: .png, .ppm or .pgm")->required();
-    command->add_option("output", arguments->output, "File to write: .jpg")->required();
+    CLI::App* command = app.add_subcommand("encode", "Codes a picture as a JPEG file.");
+    command->add_option("input", arguments->input, "PNG, PPM or PGM file")->required();
+    command->add_option("output", arguments->output, "JPEG file to write")->required();
     command->add_option("--quality", options.quality, "1 (smallest file) to 100 (best picture)")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
-    command->add_option("--sampling", arguments->sampling, "Chroma samples: 444 all, 422 half, 420 a quarter")
+    command->add_option("--sampling", arguments->sampling, "chroma samples: 444 all, 422 half, 420 a quarter")
         ->check(CLI::IsMember({"444", "422", "420"}))
         ->capture_default_str();
-    command->add_option("--restart", options.restartInterval, "Restart marker every N MCUs; 0 for none")
+    command->add_option("--restart", options.restartInterval, "restart marker every N MCUs; 0 for none")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    command->add_flag("--optimize", options.optimizeTables, "Make Huffman tables for this picture: a smaller file");
-    command->add_flag("--gray,--grey", options.grey, "Code the luminance only");
-    command->add_option("--threads", options.threads, "Threads that may work")
-        ->check(CLI::Range(1, 1024))
+    command->add_flag("--optimize", options.optimizeTables, "makes Huffman tables for this picture: a smaller file");
+    command->add_flag("--gray,--grey", options.grey, "codes the luminance only");
+    command->add_option("--threads", options.threads, "threads to work with; 0 for all processors")
+        ->check(CLI::Range(0, 256))
         ->capture_default_str();
     command->callback([arguments] { runEncode(*arguments); });
 }

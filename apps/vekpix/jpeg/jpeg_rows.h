@@ -1,0 +1,16 @@
+// A JPEG file as rows of pixels, to stand beside the other picture formats.
+#ifndef VEKPIX_JPEG_JPEG_ROWS_H
+#define VEKPIX_JPEG_JPEG_ROWS_H
+
+#include <memory>
+#include <string>
+
+#include "image/rows.h"
+
+namespace vekpix::jpeg {
+
+std::unique_ptr<RowReader> openJpeg(const std::string& path, int threads);
+
+}  // namespace vekpix::jpeg
+
+#endif
