@@ -240,7 +240,8 @@ TEST(Encoder, ThePeersPixelsAreOursWithinTheTransformsRounding)
     const Picture picture = peer::draw(83, 61, 3, Scene::Soft);
     forOptions(picture, [&](const EncodeOptions& options) {
         const std::vector<uint8_t> file = encode(picture, options);
-        EXPECT_LE(largestDifference(peer::read(file), support::decode(file)), 2);
+        // A level in luminance and one in a chroma, of which 1.77 times goes into blue.
+        EXPECT_LE(largestDifference(peer::read(file), support::decode(file)), 3);
     });
 }
 
@@ -378,12 +379,13 @@ TEST(Encoder, RefusesWhatTheFormatCannotHold)
 
 TEST(Encoder, TheWidestAndHighestPicturesAreCoded)
 {
-    for (const auto& [width, height] : {std::pair(65535, 3), std::pair(3, 65535)}) {
+    for (const auto& [width, height] : {std::pair(65535, 3), std::pair(3, 65535)}) {  // beyond what the peer reads
         const Picture picture = peer::draw(width, height, 1, Scene::Soft);
         for (const int threads : {1, 2}) {
             EncodeOptions options;
+            options.quality = 100;
             options.threads = threads;
-            EXPECT_TRUE(picture.width == peer::read(encode(picture, options)).width);
+            EXPECT_LE(largestDifference(picture, support::decode(encode(picture, options))), 2);
         }
     }
 }
