@@ -1,17 +1,11 @@
 // The commands `vekpix decode` and `vekpix info` as a user runs them, on files of the packaged JPEG tools.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "command_support.h"
 #include "decode_support.h"
 #include "jpeg_peer.h"
 #include "support/sanitizers.h"
@@ -19,97 +13,12 @@
 using peer::Picture;
 using peer::Scene;
 using peer::Stored;
+using support::Outcome;
 namespace fs = std::filesystem;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string output;
-    std::string errors;
-    long peakKilobytes = 0;
-};
-
-std::string contents(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-class DecodeCommand : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string name = (fs::temp_directory_path() / "vekpix_decode_XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(name.data()));
-        folder_ = name;
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-    Outcome run(std::vector<std::string> arguments) const
-    {
-        const std::string out = path("stdout");
-        const std::string err = path("stderr");
-        const pid_t child = fork();
-        if (child == 0) {
-            dup2(open(out.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
-            dup2(open(err.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
-            std::vector<char*> pointers;
-            for (std::string& argument : arguments) pointers.push_back(argument.data());
-            pointers.push_back(nullptr);
-            execvp(pointers[0], pointers.data());
-            _exit(127);
-        }
-        Outcome outcome;
-        int status = 0;
-        rusage usage{};
-        EXPECT_EQ(child, wait4(child, &status, 0, &usage));
-        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        outcome.output = contents(out);
-        outcome.errors = contents(err);
-        outcome.peakKilobytes = usage.ru_maxrss;
-        return outcome;
-    }
-
-    Outcome vekpix(std::vector<std::string> arguments) const
-    {
-        arguments.insert(arguments.begin(), VEKPIX_PROGRAM);
-        return run(std::move(arguments));
-    }
-
-    void save(const std::string& name, std::span<const uint8_t> bytes) const
-    {
-        std::ofstream(path(name), std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-
-    // A binary PPM or PGM file.
-    void savePnm(const std::string& name, const Picture& picture) const
-    {
-        std::ofstream out(path(name), std::ios::binary);
-        out << (picture.channels == 1 ? "P5 " : "P6 ") << picture.width << ' ' << picture.height << " 255\n";
-        out.write(reinterpret_cast<const char*>(picture.pixels.data()),
-                  static_cast<std::streamsize>(picture.pixels.size()));
-    }
-
-    Picture loadPnm(const std::string& name) const
-    {
-        std::ifstream in(path(name), std::ios::binary);
-        std::string magic;
-        int largest = 0;
-        Picture picture;
-        in >> magic >> picture.width >> picture.height >> largest;
-        in.get();
-        picture.channels = magic == "P5" ? 1 : 3;
-        EXPECT_EQ(255, largest);
-        picture.pixels.assign(std::istreambuf_iterator<char>(in), {});
-        return picture;
-    }
-
-    fs::path folder_;
-};
+class DecodeCommand : public support::CommandTest {};
 
 double meanDifference(const Picture& a, const Picture& b)
 {
