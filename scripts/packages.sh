@@ -2,11 +2,19 @@
 
 packages_build=(build-essential cmake ninja-build ccache pkg-config libboost-dev libcli11-dev libpng-dev)
 packages_test=(clang clang-format doxygen libbenchmark-dev libclang-rt-dev libgtest-dev libjpeg-dev libjpeg-turbo-progs
-  libomp-dev llvm python3)
+  libomp-dev llvm zlib1g-dev)
 packages_bench=(libbenchmark-dev libjpeg-dev libturbojpeg0-dev python3 python3-matplotlib)
-packages_demo=(libjpeg-turbo-progs)
+packages_demo=(libjpeg-turbo-progs python3)
 
-# install_packages NAME...: as root, or through sudo.
+as_root() {
+  if [[ $EUID -eq 0 ]]; then
+    "$@"
+  else
+    sudo "$@"
+  fi
+}
+
+# install_packages NAME...
 install_packages() {
   local missing=() name
   for name in "$@"; do
@@ -14,9 +22,7 @@ install_packages() {
   done
   [[ ${#missing[@]} -eq 0 ]] && return
   echo "Installing ${missing[*]}"
-  local as_root=()
-  [[ $EUID -eq 0 ]] || as_root=(sudo)
-  "${as_root[@]}" apt-get -qq update
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install --no-install-recommends -y \
+  as_root apt-get -qq update
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install --no-install-recommends -y \
     "${missing[@]}" >/dev/null
 }

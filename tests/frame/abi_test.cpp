@@ -3,6 +3,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
 #include <set>
 #include <string>
 
@@ -32,6 +36,22 @@ TEST(AbiOfTheLibrary, ExportsTheListAndNothingElse)
     EXPECT_EQ(exportList, file.functions());
     EXPECT_EQ(std::set<std::string>{}, file.otherSymbols());
 }
+
+// Every prototype that begins with VEK_API in a public header.
+std::set<std::string> declaredFunctions()
+{
+    std::set<std::string> names;
+    const std::regex prototype("\nVEK_API [^;(]*?(\\w+)\\(");
+    for (const auto& entry : std::filesystem::directory_iterator(VEK_HEADERS)) {
+        std::ifstream file(entry.path());
+        const std::string text(std::istreambuf_iterator<char>(file), {});
+        for (std::sregex_iterator match(text.begin(), text.end(), prototype), end; match != end; ++match)
+            names.insert((*match)[1]);
+    }
+    return names;
+}
+
+TEST(AbiOfTheLibrary, ExportsEveryDeclaredFunction) { EXPECT_EQ(exportList, declaredFunctions()); }
 
 TEST(AbiOfTheLibrary, Soname) { EXPECT_EQ("libvekjq3.so.7.1", ElfFile(VEK_LIBRARY_FILE).soname()); }
 
@@ -102,6 +122,19 @@ TEST(AbiOfTypes, StatusCodes)
     const CView view = cView();
     EXPECT_TRUE(
         std::equal(std::begin(expected), std::end(expected), std::begin(view.everyStatus), std::end(view.everyStatus)));
+}
+
+TEST(AbiOfTypes, SizesOfOpaqueRecords)
+{
+    int size = 0;
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffmanSpecGetBufSize_JPEG_8u(&size));
+    EXPECT_EQ(1644, size);
+    EXPECT_EQ(vekStsOk, vekiEncodeHuffmanSpecGetBufSize_JPEG_8u(&size));
+    EXPECT_EQ(1024, size);
+    EXPECT_EQ(vekStsOk, vekiEncodeHuffmanStateGetBufSize_JPEG_8u(&size));
+    EXPECT_EQ(1048, size);
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffmanStateGetBufSize_JPEG_8u(&size));
+    EXPECT_EQ(24, size);
 }
 
 TEST(AbiOfFunctions, HaveCLinkage) { EXPECT_EQ(vekjGetLibVersion(), versionAskedFromC()); }
