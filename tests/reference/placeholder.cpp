@@ -1,1 +1,0 @@
-#include "reference/bits.h"
