@@ -31,8 +31,7 @@ private:
         int side = 8;  // samples of a block, in each direction
         int step = 0;
         std::vector<uint8_t> samples;
-        bool everyPixel = false;             // each pixel has a sample of its own
-        std::vector<int32_t> columnOfPixel;  // empty if each pixel of a row has its own sample
+        std::vector<int32_t> columnOfPixel;  // empty if each pixel has its own sample
         std::array<int32_t, tileSide * 4> rowOfPixel{};
         alignas(64) std::array<uint16_t, 64> quantTable{};
     };
@@ -108,7 +107,6 @@ void PlaneBands::makePlane(const Picture& picture, size_t index)
         for (int x = 0; x < paddedWidth; ++x)
             plane.columnOfPixel[static_cast<size_t>(x)] = x * samplesPerMax / maxHorizontal_;
     }
-    plane.everyPixel = samplesPerMax == maxHorizontal_ && plane.vertical * enlarged == maxVertical_;
     for (int y = 0; y < bandRows(); ++y)
         plane.rowOfPixel[static_cast<size_t>(y)] = y * plane.vertical * enlarged / maxVertical_;
 }
@@ -218,11 +216,6 @@ void PlaneBands::convert(uint8_t* pixels, size_t step, int rows) const
 
 void PlaneBands::fillTile(const Plane& plane, int x, int y, int16_t* tile) const
 {
-    if (plane.everyPixel) {
-        const uint8_t* from = plane.samples.data() + static_cast<size_t>(y) * static_cast<size_t>(plane.step) + x;
-        vekiSub128_JPEG_8u16s_C1R(from, plane.step, tile, tileSide * 2, {tileSide, tileSide});
-        return;
-    }
     for (int row = 0; row < tileSide; ++row, tile += tileSide) {
         const uint8_t* from =
             plane.samples.data() +
