@@ -23,14 +23,14 @@ struct Rows {
     __m128i y[8];
 };
 
-inline Rows results(__m128i q0, __m128i q1, __m128i q2, __m128i q3, const OddPart& o)
+[[gnu::always_inline]] inline Rows results(__m128i q0, __m128i q1, __m128i q2, __m128i q3, const OddPart& o)
 {
     const auto down = [](__m128i x) { return _mm_srai_epi16(x, 6); };
     return {{down(plus(q3, o.b9)), down(plus(q2, o.c4)), down(plus(q0, o.c5)), down(plus(q1, o.b8)),
              down(less(q1, o.b8)), down(less(q0, o.c5)), down(less(q2, o.c4)), down(less(q3, o.b9))}};
 }
 
-inline Rows columnPass(__m256i r04, __m256i r17, __m256i r26, __m256i r35)
+[[gnu::always_inline]] inline Rows columnPass(__m256i r04, __m256i r17, __m256i r26, __m256i r35)
 {
     const OddPart odd = oddPart(lowRow(r17), lowRow(r35), highRow(r35), highRow(r17));
     const __m128i e7 = plus(lowRow(r26), mulHigh(highRow(r26), tg_2_16));
@@ -40,7 +40,7 @@ inline Rows columnPass(__m256i r04, __m256i r17, __m256i r26, __m256i r35)
     return results(less(p1, e6), less(p0, e7), plus(p1, e6), plus(p0, e7), odd);
 }
 
-inline Rows transform(const int16_t* pSrc, const uint16_t* pTable)
+[[gnu::always_inline]] inline Rows transform(const int16_t* pSrc, const uint16_t* pTable)
 {
     const __m256i r04 = inverseRowPass(loadRows(pSrc, pTable, 0, 4), tab_i_04, twoTerms(round_i_0, round_i_4));
     const __m256i r17 = inverseRowPass(loadRows(pSrc, pTable, 1, 7), tab_i_17, twoTerms(round_i_1, round_i_7));

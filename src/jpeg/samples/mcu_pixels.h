@@ -18,7 +18,7 @@ struct Chunks {
 // N vectors of 16 bytes a lane, the lane's pixels one after the other. For 8-pixel rows the first half of a lane's
 // bytes is one row.
 template <Layout layout, size_t N>
-inline void storeLanes(TilePixels<uint8_t> dst, const Chunks<N>& chunks)
+[[gnu::always_inline]] inline void storeLanes(TilePixels<uint8_t> dst, const Chunks<N>& chunks)
 {
     if constexpr (layout != Layout::L444) {
         for (size_t i = 0; i < N; ++i) {
@@ -47,7 +47,7 @@ inline void storeLanes(TilePixels<uint8_t> dst, const Chunks<N>& chunks)
 
 template <Layout layout>
 struct PixelsC3 {
-    static void store(TilePixels<uint8_t> dst, __m256i c0, __m256i c1, __m256i c2)
+    [[gnu::always_inline]] static void store(TilePixels<uint8_t> dst, __m256i c0, __m256i c1, __m256i c2)
     {
         const auto chunk = [&](size_t i) {
             return or3(shuffle(c0, scatter3[i][0]), shuffle(c1, scatter3[i][1]), shuffle(c2, scatter3[i][2]));
