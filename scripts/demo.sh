@@ -82,5 +82,6 @@ row "$large" large_q75_420_restart --quality 75 --sampling 420 --restart 256
 row "$large" large_q75_420 --quality 75 --sampling 420
 rm "$demo"/large_*.ppm
 echo
-echo "The photographs are read from PNG files, the large picture from a PPM file; a time is that of the whole program."
+echo "djpeg smooths the chroma that it enlarges (422, 420), vekpix repeats it. The photographs are read from PNG files, the"
+echo "large picture from a PPM file; a time is that of the whole program, on $(nproc) processors."
 echo "Files to look at: $demo"
