@@ -45,8 +45,8 @@ inline VekStatus ownjc_write_code_jpeg(uint32_t entry, uint8_t* pDst, int dstLen
 }
 
 // Pads the pending bits with 1 bits to a byte, which is written if any bit was pending, and resets the state.
-inline VekStatus ownjc_flush_jpeg(uint8_t* pDst, int dstLenBytes, int* pDstCurrPos,
-                                  VekEncodeHuffmanState* pEncHuffState)
+[[gnu::noinline]] inline VekStatus ownjc_flush_jpeg(uint8_t* pDst, int dstLenBytes, int* pDstCurrPos,
+                                                    VekEncodeHuffmanState* pEncHuffState)
 {
     const VekStatus status = ownjc_write_bits_jpeg(0x7F, 7, pDst, dstLenBytes, pDstCurrPos, pEncHuffState);
     ownjc_EncodeHuffmanStateInit(pEncHuffState);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
 #include "frame/vec.h"
 #include "jpeg/entropy/constant_tables.h"
@@ -15,6 +16,13 @@ constexpr std::array<uint64_t, 8> zigzagPositionsOfRow = [] {
     std::array<uint64_t, 8> t{};
     for (int k = 0; k < 64; ++k)
         t[static_cast<size_t>(own_jc_izigzag_index[static_cast<size_t>(k)] / 8)] |= uint64_t{1} << k;
+    return t;
+}();
+
+// own_jc_izigzag_index for single bytes.
+constexpr std::array<uint8_t, 64> zigzagPositions = [] {
+    std::array<uint8_t, 64> t{};
+    for (size_t k = 0; k < 64; ++k) t[k] = static_cast<uint8_t>(own_jc_izigzag_index[k]);
     return t;
 }();
 
@@ -30,9 +38,11 @@ inline uint64_t nonZeroInZigzag(const int16_t* pBlock)
         const __m256i inOrder = _mm256_permute4x64_epi64(zeros, 0xD8);
         rows |= static_cast<uint64_t>(~static_cast<uint32_t>(_mm256_movemask_epi8(inOrder))) << (32 * half);
     }
-    uint64_t mask = 0;
-    for (size_t row = 0; row < 8; ++row) mask |= _pdep_u64(rows >> (8 * row) & 0xFF, zigzagPositionsOfRow[row]);
-    return mask;
+    return [rows]<size_t... row>(std::index_sequence<row...>)
+    {
+        return (_pdep_u64(rows >> (8 * row), zigzagPositionsOfRow[row]) | ...);
+    }
+    (std::make_index_sequence<8>());
 }
 
 }  // namespace q3

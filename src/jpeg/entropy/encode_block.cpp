@@ -32,8 +32,10 @@ private:
     VekEncodeHuffmanState* state_;
 };
 
-VekStatus encodeCarefully(const int16_t* pSrc, const Destination& dst, int diff, const VekEncodeHuffmanSpec& dcTable,
-                          const VekEncodeHuffmanSpec& acTable, VekEncodeHuffmanState* pState)
+// Apart, so that it costs the fast path no registers.
+[[gnu::noinline]] VekStatus encodeCarefully(const int16_t* pSrc, const Destination& dst, int diff,
+                                            const VekEncodeHuffmanSpec& dcTable, const VekEncodeHuffmanSpec& acTable,
+                                            VekEncodeHuffmanState* pState)
 {
     CarefulWriter writer(dst, pState);
     VekStatus status = writer.value(dcTable.codes[categoryOf(diff)], diff, categoryOf(diff));

@@ -26,79 +26,89 @@ inline uint32_t acEntry(const VekEncodeHuffmanSpec& table, int run, int category
 class FastBlockWriter {
 public:
     FastBlockWriter(uint8_t* begin, uint8_t* end, uint32_t pending, int numPending)
-        : p_(begin), end_(end), bits_(pending), count_(numPending)
+        : p_(begin), end_(end), bits_(pending), count_(static_cast<uint32_t>(numPending))
     {
     }
 
-    void encode(const int16_t* pSrc, int diff, const VekEncodeHuffmanSpec& dcTable, const VekEncodeHuffmanSpec& acTable)
+    [[gnu::always_inline]] void encode(const int16_t* pSrc, int diff, const VekEncodeHuffmanSpec& dcTable,
+                                       const VekEncodeHuffmanSpec& acTable)
     {
-        put(dcTable.codes[categoryOf(diff)], diff, categoryOf(diff));
+        put(dcTable.codes[categoryOf(diff)], magnitudeOf(diff));
         uint64_t mask = nonZeroInZigzag(pSrc) & ~uint64_t{1};
-        int last = 0;
+        uint32_t next = 1;  // behind the last coefficient written
         while (mask != 0) {
-            const int k = std::countr_zero(mask);
+            const auto k = static_cast<uint32_t>(std::countr_zero(mask));
             mask &= mask - 1;
-            int run = k - last - 1;
-            last = k;
-            for (; run > 15; run -= 16) [[unlikely]] put(acTable.codes[zeroRunLength], 0, 0);
-            const int v = pSrc[own_jc_izigzag_index[static_cast<size_t>(k)]];
-            const int category = categoryOf(v);
-            put(acEntry(acTable, run, category), v, category);
+            uint32_t run = k - next;
+            next = k + 1;
+            for (; run > 15; run -= 16) [[unlikely]] put(acTable.codes[zeroRunLength], {});
+            const int v = pSrc[zigzagPositions[k]];
+            if (isSmall(v)) [[likely]] {
+                const Magnitude magnitude = smallMagnitudeOf(v);
+                put(acTable.codes[(run << 4) + magnitude.category], magnitude);
+            } else {
+                const Magnitude magnitude = magnitudeOf(v);
+                put(acEntry(acTable, static_cast<int>(run), static_cast<int>(magnitude.category)), magnitude);
+            }
         }
-        if (last != 63)
-            put(acTable.codes[endOfBlock], 0, 0);
-        storeWholeBytes();
+        if (next != 64)
+            put(acTable.codes[endOfBlock], {});
+        if (count_ >= 8)
+            storeWholeBytes();
     }
 
     uint8_t* position() const { return p_; }
     uint32_t pending() const { return static_cast<uint32_t>(bits_) & ((1U << count_) - 1); }
-    int numPending() const { return count_; }  // at most 7
+    int numPending() const { return static_cast<int>(count_); }  // at most 7
     bool full() const { return full_; }
-    bool missesCode() const { return missesCode_; }
+    bool missesCode() const { return (borrows_ >> 31) != 0; }
 
 private:
-    // A code and the magnitude bits of v behind it: at most 32 bits.
-    void put(uint32_t entry, int v, int category)
+    // A code and the magnitude bits behind it: at most 32 bits.
+    [[gnu::always_inline]] void put(uint32_t entry, Magnitude magnitude)
     {
-        const int codeLength = static_cast<int>(entry >> 16);
-        missesCode_ |= codeLength == 0;
-        const int length = codeLength + category;
+        borrows_ |= entry - 1;
+        const uint32_t length = (entry >> 16) + magnitude.category;
         if (count_ + length > 64) [[unlikely]]
             storeWholeBytes();
-        const uint64_t magnitude = magnitudeBits(v) & ((1U << category) - 1);
-        bits_ = bits_ << length | uint64_t{entry & 0xFFFF} << category | magnitude;
+        bits_ = bits_ << length | uint64_t{entry & 0xFFFF} << magnitude.category | magnitude.bits;
         count_ += length;
     }
 
-    void storeWholeBytes()
+    // At least one.
+    [[gnu::always_inline]] void storeWholeBytes()
     {
-        if (count_ < 8)
-            return;
         const uint64_t aligned = bits_ << (64 - count_);
         const bool plain = !hasByteFF(aligned);
-        if (end_ - p_ < (plain ? 8 : 16)) {  // eight bytes, each of which may want a stuffed one
+        if (end_ - p_ < (plain ? 8 : 16)) [[unlikely]] {  // eight bytes, each of which may want a stuffed one
             full_ = true;
-            count_ &= 7;
-        } else if (plain) {
+        } else if (plain) [[likely]] {
             storeBigEndian64(p_, aligned);
             p_ += count_ / 8;
-            count_ &= 7;
         } else {
-            for (; count_ >= 8; count_ -= 8) {
-                const auto byte = static_cast<uint8_t>(bits_ >> (count_ - 8));
-                *p_++ = byte;
-                if (byte == 0xFF)
-                    *p_++ = 0;
-            }
+            p_ = storeStuffed(p_, aligned, count_ / 8);
         }
+        count_ &= 7;
+    }
+
+    // The first bytes of `aligned`, with a zero byte behind each 0xFF. Returns where they end.
+    [[gnu::noinline]] static uint8_t* storeStuffed(uint8_t* p, uint64_t aligned, uint32_t bytes)
+    {
+        for (; bytes > 0; --bytes, aligned <<= 8) {
+            const auto byte = static_cast<uint8_t>(aligned >> 56);
+            *p++ = byte;
+            if (byte == 0xFF)
+                *p++ = 0;
+        }
+        return p;
     }
 
     uint8_t* p_;
     uint8_t* end_;
     uint64_t bits_;
-    int count_;
+    uint32_t count_;
     bool full_ = false;
-    bool missesCode_ = false;
+    uint32_t borrows_ = 0;  // bit 31 is set by an entry of 0
 };
 
 }  // namespace q3

@@ -2,6 +2,9 @@
 #ifndef VEK_JPEG_ENTROPY_MAGNITUDE_H
 #define VEK_JPEG_ENTROPY_MAGNITUDE_H
 
+#include <immintrin.h>
+
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
@@ -9,10 +12,42 @@
 namespace q3 {
 
 // Number of bits of |v|: 0 for 0, up to 16 for any difference of two 16-bit values.
-inline int categoryOf(int v) { return static_cast<int>(std::bit_width(static_cast<unsigned>(std::abs(v)))); }
+inline int categoryOf(int v) { return 32 - static_cast<int>(_lzcnt_u32(static_cast<unsigned>(std::abs(v)))); }
 
 // The bits to write, of which the low ones count: v, or v - 1 for a negative v.
 inline uint32_t magnitudeBits(int v) { return static_cast<uint32_t>(v + (v >> 31)); }
+
+struct Magnitude {
+    uint32_t category = 0;
+    uint32_t bits = 0;  // no more than the category tells
+};
+
+inline Magnitude magnitudeOf(int v)
+{
+    const auto category = static_cast<uint32_t>(categoryOf(v));
+    return {category, magnitudeBits(v) & ((1U << category) - 1)};
+}
+
+// Those of the values of 8-bit pictures, from a table: bits << 4 | category, by v + largestSmall.
+constexpr int largestSmall = 1023;
+constexpr std::array<uint16_t, 2 * largestSmall + 1> smallMagnitudes = [] {
+    std::array<uint16_t, 2 * largestSmall + 1> t{};
+    for (int v = -largestSmall; v <= largestSmall; ++v) {
+        const int category = std::bit_width(static_cast<unsigned>(v < 0 ? -v : v));
+        const int bits = (v < 0 ? v - 1 : v) & ((1 << category) - 1);
+        t[static_cast<size_t>(v + largestSmall)] = static_cast<uint16_t>(bits << 4 | category);
+    }
+    return t;
+}();
+static_assert(smallMagnitudes[largestSmall - 1] == 0x01 && smallMagnitudes[largestSmall + 1] == 0x11 &&
+              smallMagnitudes[0] == 0x0A && smallMagnitudes[2 * largestSmall] == 0x3FFA);
+
+inline bool isSmall(int v) { return static_cast<uint32_t>(v + largestSmall) <= 2U * largestSmall; }
+inline Magnitude smallMagnitudeOf(int v)
+{
+    const uint32_t entry = smallMagnitudes[static_cast<size_t>(v + largestSmall)];
+    return {entry & 15, entry >> 4};
+}
 
 }  // namespace q3
 
