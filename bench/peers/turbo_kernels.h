@@ -79,7 +79,7 @@ uint8_t* jsimd_huff_encode_one_block_sse2(HuffmanState* state, uint8_t* buffer, 
 }
 
 // The quantiser's divisors for one step: a reciprocal of 16 significant bits, so that the result is |x| / step rounded
-// to the nearest integer. A step of 1 would need a scale beyond 16 bits; steps begin at 2.
+// to the nearest integer. Steps below 3 would need a scale beyond 16 bits.
 inline void setDivisor(Divisors& divisors, int position, unsigned step)
 {
     unsigned bits = 0;
