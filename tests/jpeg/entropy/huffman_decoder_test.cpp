@@ -1,0 +1,461 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "huffman_fixtures.h"
+#include "support/guarded_buffer.h"
+
+namespace {
+
+using huffman::Block;
+using huffman::Tables;
+using support::Guard;
+using support::GuardedArray;
+using support::GuardedBytes;
+using support::Random;
+
+Tables annexK() { return {huffman::luminanceDc(), huffman::luminanceAc()}; }
+
+// Blocks as a stream, padded, without a marker behind it.
+std::vector<uint8_t> streamOf(const std::vector<Block>& blocks, const Tables& tables)
+{
+    model::Output out;
+    out.bytes.resize(blocks.size() * 600 + 16);
+    model::EncoderState state;
+    int16_t dc = 0;
+    for (const Block& block : blocks)
+        EXPECT_EQ(vekStsOk, model::encodeBlock(block, out, dc, tables.modelEncodeDc, tables.modelEncodeAc, state));
+    model::flush(out, state);
+    out.bytes.resize(static_cast<size_t>(out.position));
+    return out.bytes;
+}
+
+// One stream read twice, by the library and by the model; everything is compared after every block. The stream ends at an unmapped
+// page.
+class TwoReaders {
+public:
+    TwoReaders(const Tables& tables, const std::vector<uint8_t>& bytes) : tables_(tables), bytes_(bytes.size())
+    {
+        std::copy(bytes.begin(), bytes.end(), bytes_.data());
+        in_.bytes = bytes_.data();
+        in_.length = static_cast<int>(bytes.size());
+        vekiDecodeHuffmanStateInit_JPEG_8u(&state_);
+    }
+    VekStatus decode(size_t misalignment = 0)
+    {
+        Block want;
+        const VekStatus expected =
+            model::decodeBlock(in_, want, expectedDc_, tables_.modelDecodeDc, tables_.modelDecodeAc, expectedState_);
+        GuardedBytes memory(sizeof(Block), Guard::Behind, misalignment);
+        auto* const block = reinterpret_cast<int16_t*>(memory.data());
+        std::memset(memory.data(), 0xA5, sizeof(Block));
+        const VekStatus got =
+            vekiDecodeHuffman8x8_JPEG_1u16s_C1(bytes_.data(), in_.length, &position_, block, &dc_, &marker_,
+                                               &tables_.decodeDc, &tables_.decodeAc, &state_);
+        EXPECT_EQ(expected, got);
+        EXPECT_EQ(0, std::memcmp(want.data(), memory.data(), sizeof(Block)));
+        EXPECT_EQ(expectedDc_, dc_);
+        EXPECT_EQ(in_.position, position_);
+        EXPECT_EQ(in_.marker, marker_);
+        EXPECT_EQ(expectedState_.numBits, state_.numBits);
+        EXPECT_EQ(expectedState_.endOfBlockPos, state_.endOfBlockPos);
+        const uint64_t mask = state_.numBits <= 0 ? 0 : (uint64_t{1} << state_.numBits) - 1;
+        EXPECT_EQ(expectedState_.buffer & mask, state_.bitBuffer & mask);
+        block_ = want;
+        return got;
+    }
+    void restart()
+    {
+        vekiDecodeHuffmanStateInit_JPEG_8u(&state_);
+        expectedState_ = {};
+        expectedDc_ = dc_ = 0;
+        in_.marker = marker_ = 0;
+    }
+    const Block& block() const { return block_; }
+    int position() const { return position_; }
+    int marker() const { return marker_; }
+    const VekDecodeHuffmanState& state() const { return state_; }
+
+private:
+    const Tables& tables_;
+    GuardedBytes bytes_;
+    model::Input in_{};
+    model::DecoderState expectedState_;
+    int16_t expectedDc_ = 0;
+    int position_ = 0;
+    int marker_ = 0;
+    int16_t dc_ = 0;
+    VekDecodeHuffmanState state_{};
+    Block block_{};
+};
+
+TEST(HuffmanDecoder, ReportsItsStatesSizeAndInitialisesIt)
+{
+    int size = 0;
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffmanStateGetBufSize_JPEG_8u(&size));
+    EXPECT_EQ(24, size);
+    EXPECT_EQ(vekStsNullPointer, vekiDecodeHuffmanStateGetBufSize_JPEG_8u(nullptr));
+    EXPECT_EQ(vekStsNullPointer, vekiDecodeHuffmanStateInit_JPEG_8u(nullptr));
+    EXPECT_EQ(vekStsNullPointer, vekiDecodeHuffmanStateInitAlloc_JPEG_8u(nullptr));
+    EXPECT_EQ(vekStsNullPointer, vekiDecodeHuffmanStateFree_JPEG_8u(nullptr));
+    VekDecodeHuffmanState state{~uint64_t{0}, 1, 2, 3};
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffmanStateInit_JPEG_8u(&state));
+    EXPECT_EQ(0U, state.bitBuffer);
+    EXPECT_EQ(0, state.numBits);
+    EXPECT_EQ(0, state.eobRun);
+    EXPECT_EQ(0, state.endOfBlockPos);
+    VekDecodeHuffmanState* allocated = nullptr;
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffmanStateInitAlloc_JPEG_8u(&allocated));
+    EXPECT_EQ(0, allocated->numBits);
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffmanStateFree_JPEG_8u(allocated));
+}
+
+TEST(HuffmanDecoder, ReadsWhatTheEncoderWroteAndEqualsItsModel)
+{
+    Random random(1);
+    for (int round = 0; round < 60; ++round) {
+        const Tables tables =
+            round % 3 == 0 ? annexK() : Tables(huffman::randomLists(random, 256), huffman::randomLists(random, 256));
+        std::vector<Block> blocks;
+        for (int i = 0; i < 80; ++i) blocks.push_back(huffman::randomBlock(random, random.in(0, 2)));
+        TwoReaders readers(tables, streamOf(blocks, tables));
+        for (const Block& block : blocks) {
+            ASSERT_EQ(vekStsOk, readers.decode(random.in<size_t>(0, 3)));
+            ASSERT_EQ(block, readers.block());
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+
+TEST(HuffmanDecoder, EqualsItsModelOnStreamsOfEveryLength)
+{
+    Random random(2);
+    const Tables tables = annexK();
+    std::vector<Block> blocks;
+    for (int i = 0; i < 6; ++i) blocks.push_back(huffman::randomBlock(random, 1));
+    const std::vector<uint8_t> bytes = streamOf(blocks, tables);
+    for (size_t length = 1; length <= bytes.size(); ++length) {
+        TwoReaders readers(tables, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)});
+        for (size_t i = 0; i < blocks.size() + 2; ++i) readers.decode();
+        ASSERT_FALSE(HasFailure()) << length;
+    }
+}
+
+TEST(HuffmanDecoder, EqualsItsModelOnDamagedStreamsAndAnyTable)
+{
+    Random random(3);
+    int statuses[4] = {};
+    for (int round = 0; round < 4000; ++round) {
+        model::HuffmanLists dc = huffman::randomLists(random, random.in(1, 256));
+        model::HuffmanLists ac = huffman::randomLists(random, random.in(1, 256));
+        if (round % 5 == 0)  // a complete code, or one that uses 16 bits
+            ac = round % 2 == 0
+                     ? huffman::lists({1, 1, 2}, {0x11, 0xF5, 0x00, 0x3A})
+                     : huffman::lists({0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 200}, {0x41, 0x00, 0xF0, 0x71});
+        if (round % 50 == 0)
+            ac = {};
+        const Tables tables(dc, ac);
+        std::vector<uint8_t> bytes(random.in<size_t>(1, 120));
+        const int ff = random.in(0, 12);
+        for (uint8_t& b : bytes) b = random.chance(ff) ? 0xFF : random.chance(ff) ? 0 : random.any<uint8_t>();
+        TwoReaders readers(tables, bytes);
+        for (int i = 0; i < 12; ++i) {
+            const VekStatus status = readers.decode(random.in<size_t>(0, 31));
+            statuses[status == vekStsOk                ? 0
+                     : status == vekStsJpegOutOfBuffer ? 1
+                     : status == vekStsJpegMarkerShort ? 2
+                                                       : 3]++;
+            if (random.chance(10))
+                readers.restart();
+            ASSERT_FALSE(HasFailure()) << round;
+        }
+    }
+    for (const int count : statuses) EXPECT_LT(50, count);
+}
+
+TEST(HuffmanDecoder, ChecksItsArgumentsInOrder)
+{
+    const Tables tables = annexK();
+    const uint8_t bytes[4] = {};
+    int position = 0;
+    Block block;
+    block.fill(7);
+    int16_t dc = 5;
+    int marker = 0;
+    VekDecodeHuffmanState state{};
+    const auto call = [&](const uint8_t* src, int length, int* pos, int16_t* dst, int16_t* last, int* mark,
+                          const VekDecodeHuffmanSpec* dcTable, const VekDecodeHuffmanSpec* acTable,
+                          VekDecodeHuffmanState* s) {
+        return vekiDecodeHuffman8x8_JPEG_1u16s_C1(src, length, pos, dst, last, mark, dcTable, acTable, s);
+    };
+    const auto* const t = &tables.decodeDc;
+    EXPECT_EQ(vekStsNullPointer, call(nullptr, -1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(vekStsBadArgument, call(bytes, -1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, nullptr, block.data(), &dc, &marker, t, t, &state));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, &position, nullptr, &dc, &marker, t, t, &state));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, &position, block.data(), nullptr, &marker, t, t, &state));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, &position, block.data(), &dc, nullptr, t, t, &state));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, &position, block.data(), &dc, &marker, nullptr, t, &state));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, &position, block.data(), &dc, &marker, t, nullptr, &state));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, 4, &position, block.data(), &dc, &marker, t, t, nullptr));
+    EXPECT_EQ(7, block[0]);
+    EXPECT_EQ(0, position);
+}
+
+TEST(HuffmanDecoder, AnEmptySourceIsOutOfBufferWithTheBlockCleared)
+{
+    const Tables tables = annexK();
+    GuardedBytes nothing(0);
+    int position = 0;
+    Block block;
+    block.fill(7);
+    int16_t dc = 5;
+    int marker = 0;
+    VekDecodeHuffmanState state{0, 0, 0, 9};
+    EXPECT_EQ(vekStsJpegOutOfBuffer,
+              vekiDecodeHuffman8x8_JPEG_1u16s_C1(nothing.data(), 0, &position, block.data(), &dc, &marker,
+                                                 &tables.decodeDc, &tables.decodeAc, &state));
+    EXPECT_EQ(Block{}, block);
+    EXPECT_EQ(0, state.endOfBlockPos);
+}
+
+TEST(HuffmanDecoder, AByteOf255AtTheVeryEndIsOutOfBuffer)
+{
+    const Tables tables = annexK();
+    TwoReaders readers(tables, {0x2A, 0xFF});  // 00 1010: bits enough for the block
+    EXPECT_EQ(vekStsJpegOutOfBuffer, readers.decode());
+}
+
+TEST(HuffmanDecoder, FillBytesBeforeAMarkerAreSkipped)
+{
+    const Tables tables = annexK();
+    TwoReaders readers(tables, {0xFF, 0xFF, 0xD9});
+    readers.decode();
+    EXPECT_EQ(0xD9, readers.marker());
+    EXPECT_EQ(3, readers.position());
+}
+
+TEST(HuffmanDecoder, AStuffedZeroIsRemoved)
+{
+    // A DC value of category 15 whose magnitude is all ones, then the end of the block.
+    const Tables tables(huffman::lists({1}, {15}), huffman::lists({1}, {0}));
+    TwoReaders readers(tables, {0x7F, 0xFF, 0x00, 0x00});
+    EXPECT_EQ(vekStsOk, readers.decode());
+    EXPECT_EQ(32767, readers.block()[0]);
+}
+
+TEST(HuffmanDecoder, BitsInHandCountEvenBehindAMarker)
+{
+    const Tables tables(huffman::lists({1}, {4}), huffman::lists({0, 0, 0, 0, 1}, {0}));
+    for (const auto& [bits, status] :
+         {std::pair(10, VekStatus{vekStsOk}), std::pair(9, VekStatus{vekStsJpegMarkerShort})}) {
+        VekDecodeHuffmanState state{0, bits, 0, 0};
+        int position = 0;
+        int marker = 0xD0;
+        int16_t dc = 0;
+        Block block;
+        const uint8_t bytes[1] = {0};
+        EXPECT_EQ(status, vekiDecodeHuffman8x8_JPEG_1u16s_C1(bytes, 1, &position, block.data(), &dc, &marker,
+                                                             &tables.decodeDc, &tables.decodeAc, &state));
+        EXPECT_EQ(0, position);
+    }
+}
+
+TEST(HuffmanDecoder, ANineBitCodeAtTheEndOfTheStreamIsFound)
+{
+    const Tables tables(huffman::lists({0, 0, 0, 0, 0, 0, 0, 0, 1}, {0}), huffman::lists({0, 0, 0, 0, 0, 0, 1}, {0}));
+    TwoReaders readers(tables, {0x00, 0x00});
+    EXPECT_EQ(vekStsOk, readers.decode());
+    EXPECT_EQ(0, readers.state().numBits);
+    EXPECT_EQ(1, readers.state().endOfBlockPos);
+}
+
+TEST(HuffmanDecoder, SixteenZerosThatReachTheEndEndTheBlock)
+{
+    const Tables tables(huffman::lists({1}, {0}), huffman::lists({1}, {0xF0}));
+    TwoReaders readers(tables, {0x00, 0x00});
+    EXPECT_EQ(vekStsOk, readers.decode());
+    EXPECT_EQ(65, readers.state().endOfBlockPos);
+}
+
+TEST(HuffmanDecoder, ARunThatOvershootsALittleLandsOnTheLastCoefficient)
+{
+    // 49 single steps, then a run of 15 from position 50.
+    const Tables tables(huffman::lists({1}, {0}), huffman::lists({0, 2}, {0x01, 0xF1}));
+    std::vector<Block> none;
+    std::string bits = "0";
+    for (int i = 0; i < 49; ++i) bits += "001";
+    bits += "011";
+    std::vector<uint8_t> bytes((bits.size() + 7) / 8);
+    for (size_t i = 0; i < bits.size(); ++i)
+        bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
+    TwoReaders readers(tables, bytes);
+    EXPECT_EQ(vekStsOk, readers.decode());
+    EXPECT_EQ(1, readers.block()[63]);
+    EXPECT_EQ(66, readers.state().endOfBlockPos);
+}
+
+TEST(HuffmanDecoder, ARunBeyondTheGuardsIsACoefficientOverrun)
+{
+    const Tables tables(huffman::lists({1}, {0}), huffman::lists({0, 2}, {0x01, 0xF1}));
+    std::string bits = "0";
+    for (int i = 0; i < 60; ++i) bits += "001";
+    bits += "011";
+    std::vector<uint8_t> bytes((bits.size() + 7) / 8 + 30);
+    for (size_t i = 0; i < bits.size(); ++i)
+        bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
+    TwoReaders readers(tables, bytes);
+    EXPECT_EQ(vekStsJpegCoefOverrun, readers.decode());
+}
+
+// The form without a state gives the same blocks, and its true position is the same.
+TEST(HuffmanDecoderDirect, ReadsTheSameBlocksUpToTheMarker)
+{
+    Random random(4);
+    for (int round = 0; round < 100; ++round) {
+        const Tables tables =
+            round % 3 == 0 ? annexK() : Tables(huffman::randomLists(random, 256), huffman::randomLists(random, 256));
+        std::vector<Block> blocks;
+        for (int i = 0; i < 40; ++i) blocks.push_back(huffman::randomBlock(random, random.in(0, 2)));
+        std::vector<uint8_t> stream = streamOf(blocks, tables);
+        stream.push_back(0xFF);
+        stream.push_back(0xD9);
+        GuardedBytes bytes(stream.size());
+        std::copy(stream.begin(), stream.end(), bytes.data());
+        TwoReaders readers(tables, stream);
+        int position = 0;
+        int16_t dc = 0;
+        int marker = 0;
+        uint32_t prefetched = 0;
+        int numPrefetched = 0;
+        for (const Block& expected : blocks) {
+            GuardedBytes memory(sizeof(Block), Guard::Behind, random.in<size_t>(0, 3));
+            ASSERT_EQ(vekStsOk, vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
+                                    bytes.data(), &position, reinterpret_cast<int16_t*>(memory.data()), &dc, &marker,
+                                    &prefetched, &numPrefetched, &tables.decodeDc, &tables.decodeAc));
+            ASSERT_EQ(0, std::memcmp(expected.data(), memory.data(), sizeof expected));
+            ASSERT_EQ(0, position % 8);
+            readers.decode();
+        }
+        ASSERT_TRUE(marker == 0 || marker == 0xD9);
+        for (int i = 0; i < 3 && marker == 0; ++i) {  // padding, then nothing
+            Block block;
+            vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(bytes.data(), &position, block.data(), &dc, &marker, &prefetched,
+                                                      &numPrefetched, &tables.decodeDc, &tables.decodeAc);
+        }
+        EXPECT_EQ(0xD9, marker);
+    }
+}
+
+TEST(HuffmanDecoderDirect, AMarkerAtOnceIsAQuietBlockOfZeros)
+{
+    const Tables tables = annexK();
+    GuardedBytes bytes(2);
+    bytes.data()[0] = 0xFF;
+    bytes.data()[1] = 0xD0;
+    int position = 0;
+    Block block;
+    block.fill(3);
+    int16_t dc = 9;
+    int marker = 0;
+    uint32_t prefetched = 0;
+    int numPrefetched = 0;
+    EXPECT_EQ(vekStsOk, vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(bytes.data(), &position, block.data(), &dc, &marker,
+                                                                  &prefetched, &numPrefetched, &tables.decodeDc,
+                                                                  &tables.decodeAc));
+    EXPECT_EQ(Block{}, block);
+    EXPECT_EQ(0, position);
+    EXPECT_EQ(0xD0, marker);
+    EXPECT_EQ(9, dc);
+}
+
+TEST(HuffmanDecoderDirect, AMarkerEndsABlockQuietlyButNotAMagnitude)
+{
+    const Tables tables(huffman::lists({0, 0, 0, 0, 0, 0, 0, 1}, {8}), huffman::lists({1}, {0x01}));
+    const auto decode = [&](std::vector<uint8_t> stream, int& position, int& numPrefetched, Block& block) {
+        int16_t dc = 0;
+        int marker = 0;
+        uint32_t prefetched = 0;
+        position = numPrefetched = 0;
+        GuardedBytes bytes(stream.size());
+        std::copy(stream.begin(), stream.end(), bytes.data());
+        return vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(bytes.data(), &position, block.data(), &dc, &marker,
+                                                         &prefetched, &numPrefetched, &tables.decodeDc,
+                                                         &tables.decodeAc);
+    };
+    int position = 0;
+    int numPrefetched = 0;
+    Block block;
+    EXPECT_EQ(vekStsJpegOutOfBuffer, decode({0x00, 0xFF, 0xD9}, position, numPrefetched, block));
+    EXPECT_EQ(24, position);
+    EXPECT_EQ(vekStsOk, decode({0x00, 0x80, 0xFF, 0xD9}, position, numPrefetched, block));
+    EXPECT_EQ(128, block[0]);
+    EXPECT_EQ(32, position);
+    EXPECT_EQ(0, numPrefetched);
+}
+
+TEST(HuffmanDecoderDirect, ReadsNothingBehindTheMarker)
+{
+    Random random(5);
+    for (int round = 0; round < 3000; ++round) {
+        const Tables tables(huffman::randomLists(random, random.in(1, 256)),
+                            huffman::randomLists(random, random.in(1, 256)));
+        std::vector<uint8_t> stream(random.in<size_t>(0, 90));
+        for (uint8_t& b : stream) b = random.any<uint8_t>();
+        for (size_t i = 0; i < stream.size(); ++i)
+            if (stream[i] == 0xFF)
+                stream[i] = 0xFE;
+        stream.insert(stream.end(), {0xFF, 0xD9});
+        GuardedBytes bytes(stream.size());  // the marker's last byte is the last before an unmapped page
+        std::copy(stream.begin(), stream.end(), bytes.data());
+        int position = 0;
+        int16_t dc = 0;
+        int marker = 0;
+        uint32_t prefetched = 0;
+        int numPrefetched = 0;
+        for (int i = 0; i < 10; ++i) {
+            Block block;
+            const VekStatus status = vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
+                bytes.data(), &position, block.data(), &dc, &marker, &prefetched, &numPrefetched, &tables.decodeDc,
+                &tables.decodeAc);
+            ASSERT_TRUE(status == vekStsOk || status == vekStsJpegOutOfBuffer || status == vekStsJpegMarkerShort ||
+                        status == vekStsJpegCoefOverrun);
+            ASSERT_LE(position, 8 * static_cast<int>(stream.size()));
+            ASSERT_GE(numPrefetched, 0);
+            ASSERT_LE(numPrefetched, 32);
+        }
+    }
+}
+
+TEST(HuffmanDecoderDirect, ChecksItsArgumentsInOrder)
+{
+    const Tables tables = annexK();
+    const uint8_t bytes[4] = {0xFF, 0xD9};
+    Block block;
+    block.fill(7);
+    int16_t dc = 5;
+    int marker = 0;
+    uint32_t prefetched = 0;
+    int bad = -1;
+    int zero = 0;
+    const auto* const t = &tables.decodeDc;
+    const auto call = [&](const uint8_t* src, int* pos, int16_t* dst, int16_t* last, int* mark, uint32_t* pre, int* num,
+                          const VekDecodeHuffmanSpec* dcTable, const VekDecodeHuffmanSpec* acTable) {
+        return vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(src, pos, dst, last, mark, pre, num, dcTable, acTable);
+    };
+    int16_t* const dst = block.data();
+    EXPECT_EQ(vekStsNullPointer, call(nullptr, &bad, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(vekStsBadArgument, call(bytes, &bad, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, nullptr, &dc, &marker, &prefetched, &bad, t, t));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, nullptr, &marker, &prefetched, &bad, t, t));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, nullptr, &prefetched, &bad, t, t));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, nullptr, &bad, t, t));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, &prefetched, nullptr, t, t));
+    EXPECT_EQ(vekStsBadArgument, call(bytes, &zero, dst, &dc, &marker, &prefetched, &bad, nullptr, nullptr));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, &prefetched, &zero, nullptr, t));
+    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, &prefetched, &zero, t, nullptr));
+    EXPECT_EQ(7, block[0]);
+}
+
+}  // namespace
