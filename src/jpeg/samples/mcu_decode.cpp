@@ -156,33 +156,36 @@ inline Rgb tileRgb(Planes planes, int row, const TileOffsets& t)
 template <typename Form, Layout layout, Order order>
 void decodeC3(Planes planes, uint8_t* pDst, int dstStep)
 {
-    forEachTile<Form, layout>(planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
-        const Rgb x = tileRgb<Form, layout>(planes, row, t);
-        const auto dst = pixelsOf<layout>(pDst, dstStep, row);
-        if constexpr (order == Order::RGB)
-            PixelsC3<layout>::store(dst, x.r, x.g, x.b);
-        else
-            PixelsC3<layout>::store(dst, x.b, x.g, x.r);
-    });
+    forEachTile<Form, layout>(
+        planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
+            const Rgb x = tileRgb<Form, layout>(planes, row, t);
+            const auto dst = pixelsOf<layout>(pDst, dstStep, row);
+            if constexpr (order == Order::RGB)
+                PixelsC3<layout>::store(dst, x.r, x.g, x.b);
+            else
+                PixelsC3<layout>::store(dst, x.b, x.g, x.r);
+        });
 }
 
 template <typename Form, Layout layout>
 void decodeCmyk(Planes planes, uint8_t* pDst, int dstStep)
 {
-    forEachTile<Form, layout>(planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
-        const Rgb x = tileRgb<Form, layout>(planes, row, t);
-        storeTileC4<layout>(pixelsOf<layout>(pDst, dstStep, row), complement(x.r), complement(x.g), complement(x.b),
-                            Form::black(loadTile<layout>(planes[3], row)));
-    });
+    forEachTile<Form, layout>(
+        planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
+            const Rgb x = tileRgb<Form, layout>(planes, row, t);
+            storeTileC4<layout>(pixelsOf<layout>(pDst, dstStep, row), complement(x.r), complement(x.g), complement(x.b),
+                                Form::black(loadTile<layout>(planes[3], row)));
+        });
 }
 
 template <Layout layout, Fields fields>
 void decodePacked(Planes planes, uint16_t* pDst, int dstStep)
 {
-    forEachTile<FormB, layout>(planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
-        storeTilePacked<layout, fields>(pixelsOf<layout>(reinterpret_cast<uint8_t*>(pDst), dstStep, row),
-                                        tileRgb<FormB, layout>(planes, row, t));
-    });
+    forEachTile<FormB, layout>(
+        planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
+            storeTilePacked<layout, fields>(pixelsOf<layout>(reinterpret_cast<uint8_t*>(pDst), dstStep, row),
+                                            tileRgb<FormB, layout>(planes, row, t));
+        });
 }
 
 // No conversion: chroma itself is what goes with luma.
@@ -193,10 +196,12 @@ struct FormNone {
 template <Layout layout>
 void sampleUp(Planes planes, uint8_t* pDst, int dstStep)
 {
-    forEachTile<FormNone, layout>(planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
-        PixelsC3<layout>::store(pixelsOf<layout>(pDst, dstStep, row), levelShifted(loadTile<layout>(planes[0], row)),
-                                levelShifted(t.r), levelShifted(t.g));
-    });
+    forEachTile<FormNone, layout>(
+        planes, [=](int row, const TileOffsets& t) __attribute__((always_inline)) {
+            PixelsC3<layout>::store(pixelsOf<layout>(pDst, dstStep, row),
+                                    levelShifted(loadTile<layout>(planes[0], row)), levelShifted(t.r),
+                                    levelShifted(t.g));
+        });
 }
 
 // Y0 Cb0 Y1 Cr0 Y2 Cb1 ..., two rows at a time
