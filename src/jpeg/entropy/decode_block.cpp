@@ -36,18 +36,16 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
         v = extendMagnitude(v, size);
         return status;
     };
-    pState->endOfBlockPos = 0;
     int symbol = 0;
     int v = 0;
     VekStatus status = symbolBy(tables.dc, symbol);
-    if (status != vekStsOk)
-        return status;
-    if ((symbol & 15) != 0) {
+    if (status == vekStsOk && (symbol & 15) != 0)
         status = value(symbol & 15, v);
-        if (status != vekStsOk)
-            return status;
-        *pLastDC = wrappedSum(*pLastDC, v);
+    if (status != vekStsOk) {
+        pState->endOfBlockPos = 0;
+        return status;
     }
+    *pLastDC = wrappedSum(*pLastDC, v);
     pDst[0] = *pLastDC;
 
     int k = 1;
