@@ -19,7 +19,7 @@ namespace {
 
 constexpr int mostBlocks = 6;  // of an MCU, 4:2:0
 constexpr size_t mostStripeBytes = size_t{16} << 20;
-constexpr size_t groupBytes = size_t{1} << 20;  // of coefficients
+constexpr size_t bandBytes = size_t{4} << 20;  // pixels or coefficients that threads share at a time: few meetings
 
 struct alignas(64) Block {
     std::array<int16_t, 64> values;
@@ -170,14 +170,14 @@ void McuBands::planStripes(const Picture& picture)
     stripeStarts_ = std::move(*starts);
     stripeStarts_.insert(stripeStarts_.begin(), scan_.dataBegin);
     rowsPerStripe_ = rows;
-    rowsPerBand_ = rows * threads_;
+    rowsPerBand_ = std::min(mcuRows_, rows * std::max(threads_, static_cast<int>(bandBytes / stripeBytes)));
 }
 
 void McuBands::planGroups()
 {
     const size_t blocksPerRow = static_cast<size_t>(mcusPerRow_ * kind_.blocks());
     const size_t rowBytes = blocksPerRow * sizeof(Block);
-    rowsPerBand_ = std::min(mcuRows_, std::max(1, static_cast<int>(groupBytes / rowBytes)));
+    rowsPerBand_ = std::min(mcuRows_, std::max(1, static_cast<int>(bandBytes / rowBytes)));
     for (auto& group : groups_) group.resize(blocksPerRow * static_cast<size_t>(rowsPerBand_));
 }
 
@@ -199,7 +199,7 @@ void McuBands::readStripes(uint8_t* pixels, size_t step, int rows)
     const int first = nextMcuRow_ / rowsPerStripe_;
     const int last = divideUp(mcuRows_, rowsPerStripe_) - 1;
     FirstFailure failure;
-#pragma omp parallel for num_threads(threads_) schedule(static, 1)
+#pragma omp parallel for num_threads(threads_) schedule(dynamic, 1)
     for (int i = 0; i < stripes; ++i) {
         failure.guard([&, i] {
             const size_t stripe = static_cast<size_t>(first + i);
