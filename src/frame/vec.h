@@ -16,9 +16,10 @@ inline __m256i loadU(const void* p) { return _mm256_loadu_si256(static_cast<cons
 inline void storeU128(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 inline void storeU(void* p, __m256i v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
 
-// 8 bytes in the low half of a vector.
+// 8 bytes in the low or the high half of a vector.
 inline __m128i loadLow64(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 inline void storeLow64(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
+inline void storeHigh64(void* p, __m128i v) { _mm_storeh_pd(static_cast<double*>(p), _mm_castsi128_pd(v)); }
 
 // One scalar at any address.
 template <typename T>

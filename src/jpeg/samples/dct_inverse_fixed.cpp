@@ -49,33 +49,46 @@ struct Rows {
     return columnPass(r04, r17, r26, r35);
 }
 
-inline void storeBlock(int16_t* pDst, const Rows& rows)
+[[gnu::always_inline]] inline void storeBlock(int16_t* pDst, const Rows& rows)
 {
-    for (int i = 0; i < 8; ++i) storeU128(pDst + 8 * i, rows.y[i]);
+    forEightRows([&](int i) { storeU128(pDst + 8 * i, rows.y[i]); });
 }
 
 // clip(v + 128): saturated to a signed byte, then the sign bit turned
-inline void storeSamples(uint8_t* pDst, int dstStep, const Rows& rows)
+[[gnu::always_inline]] inline void storeSamples(uint8_t* pDst, int dstStep, const Rows& rows)
 {
-    for (int i = 0; i < 8; i += 2) {
+    const auto storePair = [&](int i) {
         const __m128i samples = _mm_xor_si128(_mm_packs_epi16(rows.y[i], rows.y[i + 1]), _mm_set1_epi8(-128));
         storeLow64(rowAt(pDst, dstStep, i), samples);
-        storeLow64(rowAt(pDst, dstStep, i + 1), _mm_unpackhi_epi64(samples, samples));
-    }
+        storeHigh64(rowAt(pDst, dstStep, i + 1), samples);
+    };
+    storePair(0);
+    storePair(2);
+    storePair(4);
+    storePair(6);
 }
 
-// The four coefficients at the left of a row, dequantised; nothing else of the row is read.
-inline __m128i loadFour(const int16_t* pSrc, const uint16_t* pTable)
+// Two rows of which only the four coefficients at the left are read, dequantised, as (x0 x2) (x1 x3) 0 0.
+[[gnu::always_inline]] inline __m256i loadFours(const int16_t* pSrc, const uint16_t* pTable, int low, int high)
 {
-    return _mm_mullo_epi16(loadLow64(pSrc), loadLow64(pTable));
+    const __m256i x = twoRows(loadLow64(pSrc + 8 * low), loadLow64(pSrc + 8 * high));
+    const __m256i t = twoRows(loadLow64(pTable + 8 * low), loadLow64(pTable + 8 * high));
+    return _mm256_shufflelo_epi16(_mm256_mullo_epi16(x, t), 0xD8);
 }
 
-// The row pass of the coefficients x0 to x3 alone
-inline __m256i rowPassOfFour(__m256i x, const RowFactors& factors, __m256i round)
+// Operands for the coefficients x0 to x3 alone: (x0 x2), which gives the even part of outputs 0 to 3, and (x1 x3).
+constexpr Operands<2> operandsOfFour(const DctFactors& t)
 {
-    const __m256i pairs = _mm256_shufflelo_epi16(x, 0xD8);  // (x0 x2) (x1 x3)
-    const __m256i even = _mm256_madd_epi16(_mm256_shuffle_epi32(pairs, 0x00), loadU(factors[0].data()));
-    const __m256i odd = _mm256_madd_epi16(_mm256_shuffle_epi32(pairs, 0x55), loadU(factors[2].data()));
+    const auto [a, b, c, d, e, f, g] = t;
+    return {{{a, f, a, g, a, minus(g), a, minus(f)}, {b, c, c, minus(e), d, minus(b), e, minus(d)}}};
+}
+alignas(32) constexpr auto tab_i4_01 = sideBySide(operandsOfFour(factors04), operandsOfFour(factors17));
+alignas(32) constexpr auto tab_i4_23 = sideBySide(operandsOfFour(factors26), operandsOfFour(factors35));
+
+[[gnu::always_inline]] inline __m256i rowPassOfFour(__m256i x, const RowOperands<2>& factors, __m256i round)
+{
+    const __m256i even = _mm256_madd_epi16(_mm256_shuffle_epi32(x, 0x00), loadU(factors[0].data()));
+    const __m256i odd = _mm256_madd_epi16(_mm256_shuffle_epi32(x, 0x55), loadU(factors[1].data()));
     return combine(_mm256_add_epi32(even, round), odd);
 }
 
@@ -93,33 +106,35 @@ void dct_quant_inv8x8_ls(const int16_t* pSrc, uint8_t* pDst, int dstStep, const 
     storeSamples(pDst, dstStep, transform(pSrc, pQuantInvTable));
 }
 
-// Rows 4 to 7 of zeros become zero: their rounding terms vanish in the shift.
+// Rows 4 to 7 of zeros would become zero: their rounding terms vanish in the shift.
 void dct_quant_inv8x8_4x4_ls(const int16_t* pSrc, uint8_t* pDst, int dstStep, const uint16_t* pQuantInvTable)
 {
     static_assert(round_i_4 >> 11 == 0 && round_i_5 >> 11 == 0 && round_i_6 >> 11 == 0 && round_i_7 >> 11 == 0);
-    const auto row = [&](int r) { return loadFour(pSrc + 8 * r, pQuantInvTable + 8 * r); };
-    const __m128i zero = _mm_setzero_si128();
-    const __m256i r04 = rowPassOfFour(twoRows(row(0), zero), tab_i_04, twoTerms(round_i_0, round_i_4));
-    const __m256i r17 = rowPassOfFour(twoRows(row(1), zero), tab_i_17, twoTerms(round_i_1, round_i_7));
-    const __m256i r26 = rowPassOfFour(twoRows(row(2), zero), tab_i_26, twoTerms(round_i_2, round_i_6));
-    const __m256i r35 = rowPassOfFour(twoRows(row(3), zero), tab_i_35, twoTerms(round_i_3, round_i_5));
-    storeSamples(pDst, dstStep, columnPass(r04, r17, r26, r35));
+    const auto rows = [&](int low, const RowOperands<2>& factors, __m256i round) {
+        return rowPassOfFour(loadFours(pSrc, pQuantInvTable, low, low + 1), factors, round);
+    };
+    const __m256i r01 = rows(0, tab_i4_01, twoTerms(round_i_0, round_i_1));
+    const __m256i r23 = rows(2, tab_i4_23, twoTerms(round_i_2, round_i_3));
+    const __m128i r0 = lowRow(r01);
+    const __m128i r1 = highRow(r01);
+    const __m128i r2 = lowRow(r23);
+    const __m128i r3 = highRow(r23);
+
+    const __m128i w = less(_mm_setzero_si128(), plusMulHigh(r3, tg_3_16));
+    const OddPart odd = oddPartOf(r1, mulHigh(r1, tg_1_16), r3, w);
+    const __m128i e6 = mulHigh(r2, tg_2_16);
+    storeSamples(pDst, dstStep, results(less(r0, e6), less(r0, r2), plus(r0, e6), plus(r0, r2), odd));
 }
 
 // Only rows 0 and 1 are left. The results of rows 0, 3, 4 and 7 have a correction of one before the shift.
 void dct_quant_inv8x8_2x2_ls(const int16_t* pSrc, uint8_t* pDst, int dstStep, const uint16_t* pQuantInvTable)
 {
     const auto pair = [&](int r) {
-        const __m128i x = _mm_mullo_epi16(_mm_cvtsi32_si128(loadScalar<int32_t>(pSrc + 8 * r)),
-                                          _mm_cvtsi32_si128(loadScalar<int32_t>(pQuantInvTable + 8 * r)));
-        return _mm_shufflelo_epi16(x, 0xD8);  // x2 and x3 are zero: (x0 0) (x1 0)
+        return _mm_mullo_epi16(_mm_cvtsi32_si128(loadScalar<int32_t>(pSrc + 8 * r)),
+                               _mm_cvtsi32_si128(loadScalar<int32_t>(pQuantInvTable + 8 * r)));
     };
-    const __m256i pairs = twoRows(pair(0), pair(1));
-    const __m256i even0 = twoRows(lowRow(loadU(tab_i_04[0].data())), lowRow(loadU(tab_i_17[0].data())));
-    const __m256i odd0 = twoRows(lowRow(loadU(tab_i_04[2].data())), lowRow(loadU(tab_i_17[2].data())));
-    const __m256i even = _mm256_madd_epi16(_mm256_shuffle_epi32(pairs, 0x00), even0);
-    const __m256i odd = _mm256_madd_epi16(_mm256_shuffle_epi32(pairs, 0x55), odd0);
-    const __m256i rows = combine(_mm256_add_epi32(even, twoTerms(round_i_0, round_i_1)), odd);
+    const __m256i x = _mm256_shufflelo_epi16(twoRows(pair(0), pair(1)), 0xD8);  // (x0 0) (x1 0), for x2 and x3 are zero
+    const __m256i rows = rowPassOfFour(x, tab_i4_01, twoTerms(round_i_0, round_i_1));
     const __m128i r0 = lowRow(rows);
     const __m128i r1 = highRow(rows);
 
@@ -136,7 +151,7 @@ void dct_quant_inv8x8_1x1_ls(const int16_t* pSrc, uint8_t* pDst, int dstStep, co
     const int32_t p = loadScalar<int16_t>(pSrc) * int32_t{loadScalar<uint16_t>(pQuantInvTable)};
     const __m128i v = _mm_set1_epi16(static_cast<int16_t>((p >> 3) + 128));
     const __m128i samples = _mm_packus_epi16(v, v);
-    for (int i = 0; i < 8; ++i) storeLow64(rowAt(pDst, dstStep, i), samples);
+    forEightRows([&](int i) { storeLow64(rowAt(pDst, dstStep, i), samples); });
 }
 
 }  // namespace q3
