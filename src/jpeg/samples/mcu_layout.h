@@ -1,78 +1,35 @@
-// Where the samples of an MCU lie, and the tiles in which it is worked through.
-//
-// A tile is 32 pixels whose luma samples are two whole vectors of 16, `left` and `right`; packed to bytes they make two
-// lanes of 16:
-//      16 pixels wide (4:2:2, 4:1:1): two rows. left: columns 0-7 of row y | of row y + 1; right: columns 8-15 of them.
-//      Lanes: the rows. 8 pixels wide (4:4:4): four rows. left: rows y | y + 1; right: rows y + 2 | y + 3. Lanes: rows
-//      y, y + 2 | y + 1, y + 3.
+// One minimum coded unit (MCU): how its pixels share chroma samples, and where its samples lie.
 #ifndef VEK_JPEG_SAMPLES_MCU_LAYOUT_H
 #define VEK_JPEG_SAMPLES_MCU_LAYOUT_H
 
+#include <immintrin.h>
+
+#include <cstdint>
+
 #include "frame/vec.h"
+#include "jpeg/samples/pixel_vectors.h"
 
 namespace q3 {
 
-enum class Layout { L444, L422, L411 };
-
-template <Layout layout>
-constexpr int pixelWidth = layout == Layout::L444 ? 8 : 16;
-template <Layout layout>
-constexpr int pixelHeight = layout == Layout::L411 ? 16 : 8;
-template <Layout layout>
-constexpr int tileRows = layout == Layout::L444 ? 4 : 2;
-
-// Index of a tile's vectors in a plane of luma or black.
-template <Layout layout>
-constexpr int leftIndex(int row)
-{
-    return layout == Layout::L411 ? 128 * (row / 8) + 8 * (row % 8) : 8 * row;
-}
-template <Layout layout>
-constexpr int rightIndex(int row)
-{
-    return leftIndex<layout>(row) + (layout == Layout::L444 ? 16 : 64);
-}
-
-// Words of both vectors of a tile.
-struct Tile {
-    __m256i left, right;
+enum class McuLayout {
+    s444,  // 8 x 8 pixels, each with its own chroma
+    s422,  // 16 x 8 pixels, two of a row share a chroma sample; Y: the left block, then the right one
+    s411,  // 16 x 16 pixels, 2 x 2 share a chroma sample; Y: top left, top right, bottom left, bottom right
 };
 
-// Eight chroma samples a lane, for each of which there are two pixels in a row.
-inline Tile widenChroma(__m256i x) { return {_mm256_unpacklo_epi16(x, x), _mm256_unpackhi_epi16(x, x)}; }
+// Index, in the Y or K plane of any layout, of the sample of pixel (x, y), x a multiple of 8. The other samples of its
+// row in the block follow, then the next row of the block.
+constexpr int mcuLumaIndex(int x, int y) { return 128 * (y / 8) + 64 * (x / 8) + 8 * (y % 8); }
 
-// Lane 0 of a vector for both rows of a tile, or lane 1.
-inline __m256i bothRows(__m256i x, bool upper)
+// Two vectors of 16 bytes as the lanes of one, and back.
+inline __m256i loadLanes(const int16_t* low, const int16_t* high)
 {
-    return upper ? _mm256_permute2x128_si256(x, x, 0x11) : _mm256_permute2x128_si256(x, x, 0x00);
+    return loadLanes(reinterpret_cast<const uint8_t*>(low), reinterpret_cast<const uint8_t*>(high));
 }
-
-template <Layout layout>
-inline Tile loadTile(const int16_t* plane, int row)
+inline void storeLanes(void* low, void* high, __m256i v)
 {
-    return {loadU(plane + leftIndex<layout>(row)), loadU(plane + rightIndex<layout>(row))};
-}
-template <Layout layout>
-inline void storeTile(int16_t* plane, int row, Tile x)
-{
-    storeU(plane + leftIndex<layout>(row), x.left);
-    storeU(plane + rightIndex<layout>(row), x.right);
-}
-
-// Two lanes of 16 consecutive bytes of a tile's pixels, of 8 rows of `bytes` bytes or 16: here lie those of lane 0 and
-// lane 1.
-template <typename Byte>
-struct TilePixels {
-    Byte* rows[4];
-};
-template <Layout layout, typename Byte>
-inline TilePixels<Byte> pixelsOf(Byte* pixels, int step, int row)
-{
-    if constexpr (layout == Layout::L444)
-        return {{rowAt(pixels, step, row), rowAt(pixels, step, row + 1), rowAt(pixels, step, row + 2),
-                 rowAt(pixels, step, row + 3)}};
-    else
-        return {{rowAt(pixels, step, row), rowAt(pixels, step, row + 1), nullptr, nullptr}};
+    storeU128(low, _mm256_castsi256_si128(v));
+    storeU128(high, _mm256_extracti128_si256(v, 1));
 }
 
 }  // namespace q3
