@@ -1,14 +1,16 @@
-"""Turns a run of vekjp_bench (JSON) into a Markdown table and a plot. BM_<function>_peer/<arguments> is the peer of
-BM_<function>/<arguments>; the ratio is the peer's time by the function's."""
+"""Turns a run of vekjp_bench (JSON) into a Markdown table and a plot. pairs.txt, beside this file, tells which benchmark is
+whose peer; the ratio is the peer's time by the function's, from the same run and for the same arguments."""
 import argparse
 import json
+import pathlib
 import re
+import sys
 
 BEGIN, END = "<!-- benchmark table -->", "<!-- end of benchmark table -->"
 
 
 def median_times(run):
-    """Nanoseconds of processor time by benchmark name, in the order of the run."""
+    """Nanoseconds by benchmark name, in the order of the names: a run mixes its benchmarks."""
     unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
     times, whole = {}, {}
     for entry in run["benchmarks"]:
@@ -20,20 +22,39 @@ def median_times(run):
             whole.setdefault(entry["run_name"], value)
         elif entry["aggregate_name"] == "median":
             times[entry["run_name"]] = value
-    return times or whole
+    times = times or whole
+    return {name: times[name] for name in sorted(times, key=in_order)}
+
+
+def in_order(name):
+    """Sorts numbers in a name as numbers."""
+    return [(int(part), "") if part.isdigit() else (0, part) for part in re.split(r"(\d+)", name)]
+
+
+def read_pairs():
+    """peer and promised ratio (or None) by function"""
+    pairs = {}
+    for line in (pathlib.Path(__file__).parent / "pairs.txt").read_text(encoding="utf-8").splitlines():
+        words = line.split("#")[0].split()
+        if words:
+            pairs[words[0]] = (words[1], words[2] if len(words) > 2 else None)
+    return pairs
 
 
 def rows(times):
-    """(function and arguments, its time, its peer's time or None)"""
+    """function, arguments, time, peer, peer's time, promised ratio; the last three are None where there is no peer"""
+    pairs = read_pairs()
+    peers = {peer for peer, _ in pairs.values()}
     result = []
     for name, time in times.items():
-        function, _, arguments = name.partition("/")
-        if function.endswith("_peer"):
-            if function[:-5] + name[len(function):] not in times:
-                raise SystemExit(f"{name} is the peer of nothing")
+        function, _, arguments = name.removeprefix("BM_").partition("/")
+        if function.startswith("peer_"):
+            if function not in peers:
+                print(f"{function} is nobody's peer in pairs.txt", file=sys.stderr)
             continue
-        peer = times.get(function + "_peer" + name[len(function):])
-        result.append((re.sub("^BM_", "", function), arguments, time, peer))
+        peer, promise = pairs.get(function, (None, None))
+        peer_time = times.get(f"BM_{peer}/{arguments}") if arguments else times.get(f"BM_{peer}")
+        result.append((function, arguments, time, peer if peer_time else None, peer_time, promise))
     return result
 
 
@@ -44,16 +65,20 @@ def in_words(nanoseconds):
     return f"{nanoseconds / 1e9:.3g} s"
 
 
-def markdown(run, pairs_only):
+def markdown(run, promised_only):
     context = run["context"]
-    features = f"{context['num_cpus']} processors of {context['mhz_per_cpu']} MHz"
-    lines = [f"{context['date'][:10]}, x86-64, {features}.", "", "| Function | Arguments | Time | Peer | Ratio |",
-             "| --- | --- | ---: | ---: | ---: |"]
-    for function, arguments, time, peer in rows(median_times(run)):
-        if peer is not None:
-            lines.append(f"| `{function}` | {arguments} | {in_words(time)} | {in_words(peer)} | {peer / time:.2f} |")
-        elif not pairs_only:
-            lines.append(f"| `{function}` | {arguments} | {in_words(time)} | | |")
+    machine = f"{context['num_cpus']} processors of {context['mhz_per_cpu']} MHz"
+    lines = [f"{context['date'][:10]}, x86-64, {machine}.", "",
+             "| Function | Arguments | Time | Peer | Its time | Ratio | Promised |",
+             "| --- | --- | ---: | --- | ---: | ---: | ---: |"]
+    for function, arguments, time, peer, peer_time, promise in rows(median_times(run)):
+        if promised_only and not promise:
+            continue
+        if peer:
+            lines.append(f"| `{function}` | {arguments} | {in_words(time)} | {peer.removeprefix('peer_')} | "
+                         f"{in_words(peer_time)} | {peer_time / time:.2f} | {promise or ''} |")
+        else:
+            lines.append(f"| `{function}` | {arguments} | {in_words(time)} | | | | |")
     return "\n".join(lines) + "\n"
 
 
@@ -63,8 +88,8 @@ def plot(run, path):
     matplotlib.use("Agg")
     from matplotlib import pyplot
 
-    pairs = [(f"{function} {arguments}".strip(), peer / time)
-             for function, arguments, time, peer in rows(median_times(run)) if peer is not None]
+    pairs = [(f"{function} {arguments}".strip(), peer_time / time)
+             for function, arguments, time, peer, peer_time, _ in rows(median_times(run)) if peer]
     figure, axes = pyplot.subplots(figsize=(10, 1 + 0.3 * max(1, len(pairs))))
     axes.barh([name for name, _ in pairs], [ratio for _, ratio in pairs], color="#4878a8")
     axes.axvline(1, color="black", linewidth=1)
@@ -76,14 +101,14 @@ def plot(run, path):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("run")
-    parser.add_argument("--pairs-only", action="store_true", help="leave out functions that have no peer")
+    parser.add_argument("--promised-only", action="store_true", help="only functions for which a ratio is promised")
     parser.add_argument("--table", help="file for the table")
     parser.add_argument("--into", help="Markdown file whose marked section gets the table")
     parser.add_argument("--plot", help="PNG file for the plot of the ratios")
     arguments = parser.parse_args()
     with open(arguments.run, encoding="utf-8") as file:
         run = json.load(file)
-    table = markdown(run, arguments.pairs_only)
+    table = markdown(run, arguments.promised_only)
     if arguments.table:
         with open(arguments.table, "w", encoding="utf-8") as file:
             file.write(table)

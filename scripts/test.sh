@@ -121,7 +121,9 @@ step_fuzz() {
 step_bench() {
   configure release "${gnu[@]}" -DVEK_BUILD_BENCH=ON
   build_all release vekjp_bench
-  build/release/bench/vekjp_bench --benchmark_min_time=0.001 >build/bench.log 2>&1 || { cat build/bench.log; return 1; }
+  build/release/bench/vekjp_bench --benchmark_min_time=0.001 --benchmark_out=build/bench.json \
+    --benchmark_out_format=json >build/bench.log 2>&1 || { cat build/bench.log; return 1; }
+  python3 bench/table.py build/bench.json --table build/bench.md
   echo "$(grep -c '^BM_' build/bench.log) benchmarks ran"
 }
 
