@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <exception>
-#include <mutex>
+#include <optional>
 
 #include "jpeg/band_source.h"
 #include "jpeg/entropy_reader.h"
+#include "work/crew.h"
 
 namespace vekpix::jpeg {
 
@@ -61,31 +61,6 @@ const Kind* kindOf(const Picture& picture)
     return nullptr;
 }
 
-// Keeps the first exception that leaves a parallel region's work, to be thrown behind the region.
-class FirstFailure {
-public:
-    template <typename Work>
-    void guard(Work&& work)
-    {
-        try {
-            work();
-        } catch (...) {
-            const std::lock_guard lock(mutex_);
-            if (!failure_)
-                failure_ = std::current_exception();
-        }
-    }
-    void rethrow() const
-    {
-        if (failure_)
-            std::rethrow_exception(failure_);
-    }
-
-private:
-    std::mutex mutex_;
-    std::exception_ptr failure_;
-};
-
 class McuBands final : public BandSource {
 public:
     McuBands(const Picture& picture, const Kind& kind, int threads);
@@ -103,7 +78,6 @@ private:
     void planStripes(const Picture& picture);
     void planGroups();
     void readStripes(uint8_t* pixels, size_t step, int rows);
-    void readStripe(int stripe, EntropyReader& reader, uint8_t* pixels, size_t step, int rows);
     void readGroup(uint8_t* pixels, size_t step, int rows);
     void readMcuRow(EntropyReader& reader, uint8_t* pixels, size_t step, int rows);
     void readCoefficients(EntropyReader& reader, int16_t* mcu);
@@ -129,6 +103,7 @@ private:
     std::array<std::vector<Block>, 2> groups_;  // coefficients of a group of MCU rows and of the next one
 
     EntropyReader reader_;
+    std::optional<Crew> crew_;  // if there are several threads
 };
 
 McuBands::McuBands(const Picture& picture, const Kind& kind, int threads)
@@ -150,6 +125,8 @@ McuBands::McuBands(const Picture& picture, const Kind& kind, int threads)
         planStripes(picture);
     if (threads_ > 1 && rowsPerStripe_ == 0)
         planGroups();
+    if (threads_ > 1)
+        crew_.emplace(threads_);
 }
 
 void McuBands::planStripes(const Picture& picture)
@@ -198,24 +175,19 @@ void McuBands::readStripes(uint8_t* pixels, size_t step, int rows)
     const int stripes = divideUp(rows, stripeHeight);
     const int first = nextMcuRow_ / rowsPerStripe_;
     const int last = divideUp(mcuRows_, rowsPerStripe_) - 1;
-    FirstFailure failure;
-#pragma omp parallel for num_threads(threads_) schedule(dynamic, 1)
-    for (int i = 0; i < stripes; ++i) {
-        failure.guard([&, i] {
-            const size_t stripe = static_cast<size_t>(first + i);
-            EntropyReader reader(file_, stripeStarts_[stripe], scan_.restartInterval, stripe * intervalsPerStripe_);
-            const int y = i * stripeHeight;
-            const int stripeRows = std::min(stripeHeight, rows - y);
-            for (int row = 0; row < stripeRows; row += kind_.height())
-                readMcuRow(reader, pixels + static_cast<size_t>(y + row) * step, step,
-                           std::min(kind_.height(), stripeRows - row));
-            if (first + i == last)
-                reader_ = std::move(reader);
-            else
-                reader.endInterval();
-        });
-    }
-    failure.rethrow();
+    crew_->run(stripes, [&](int i) {
+        const size_t stripe = static_cast<size_t>(first + i);
+        EntropyReader reader(file_, stripeStarts_[stripe], scan_.restartInterval, stripe * intervalsPerStripe_);
+        const int y = i * stripeHeight;
+        const int stripeRows = std::min(stripeHeight, rows - y);
+        for (int row = 0; row < stripeRows; row += kind_.height())
+            readMcuRow(reader, pixels + static_cast<size_t>(y + row) * step, step,
+                       std::min(kind_.height(), stripeRows - row));
+        if (first + i == last)
+            reader_ = std::move(reader);
+        else
+            reader.endInterval();
+    });
 }
 
 void McuBands::readGroup(uint8_t* pixels, size_t step, int rows)
@@ -226,22 +198,16 @@ void McuBands::readGroup(uint8_t* pixels, size_t step, int rows)
     const size_t rowSize = static_cast<size_t>(mcusPerRow_ * kind_.blocks());
     if (nextMcuRow_ == 0)
         readCoefficientRows(groups_[current].front().values.data(), rowsHere);
-    FirstFailure failure;
-#pragma omp parallel num_threads(threads_)
-#pragma omp single
-    {
-#pragma omp task default(shared)
-        failure.guard([&] { readCoefficientRows(groups_[1 - current].front().values.data(), rowsAhead); });
-        for (int row = 0; row < rowsHere; ++row) {
-#pragma omp task default(shared) firstprivate(row)
-            {
-                const int y = row * kind_.height();
-                convertMcuRow(groups_[current][static_cast<size_t>(row) * rowSize].values.data(),
-                              pixels + static_cast<size_t>(y) * step, step, std::min(kind_.height(), rows - y));
-            }
+    crew_->run(1 + rowsHere, [&](int item) {
+        if (item == 0) {
+            readCoefficientRows(groups_[1 - current].front().values.data(), rowsAhead);
+            return;
         }
-    }
-    failure.rethrow();
+        const int row = item - 1;
+        const int y = row * kind_.height();
+        convertMcuRow(groups_[current][static_cast<size_t>(row) * rowSize].values.data(),
+                      pixels + static_cast<size_t>(y) * step, step, std::min(kind_.height(), rows - y));
+    });
 }
 
 void McuBands::readCoefficients(EntropyReader& reader, int16_t* mcu)

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <exception>
 #include <memory>
 #include <new>
 #include <vector>
+
+#include "work/crew.h"
 
 namespace vekpix::jpeg {
 
@@ -84,31 +84,6 @@ void passOfOneThread(RowReader& picture, const McuTransform& transform, const En
     }
 }
 
-// The first exception of a parallel loop, which none may leave.
-class FirstFailure {
-public:
-    template <class Work>
-    void guard(const Work& work)
-    {
-        try {
-            if (!failed_)
-                work();
-        } catch (...) {
-            if (!failed_.exchange(true))
-                exception_ = std::current_exception();
-        }
-    }
-    void rethrow() const
-    {
-        if (failed_)
-            std::rethrow_exception(exception_);
-    }
-
-private:
-    std::atomic<bool> failed_ = false;
-    std::exception_ptr exception_;
-};
-
 // A pipeline of three stages on bands of MCU rows: while one band is read, the rows of the band before it are
 // transformed, each by itself, and the one before that is coded: as a whole, or in pieces that begin with restart
 // intervals.
@@ -125,7 +100,8 @@ public:
           scan_(scan),
           options_(options),
           makeCoder_(makeCoder),
-          target_(target)
+          target_(target),
+          crew_(std::min(options.threads, layout_.mcuRows() + 2))
     {
         const size_t rowBytes = mcuCoefficients() * sizeof(int16_t) * static_cast<size_t>(layout_.mcusPerRow());
         const auto most = static_cast<int>(std::max<size_t>(1, maxBandBytes / rowBytes));
@@ -195,18 +171,14 @@ private:
         const int pieces = coding ? static_cast<int>(cuts_.size()) - 1 : 0;
         const int readings = reading ? 1 : 0;
         const int items = pieces + readings + (transforming ? transforming->mcuRows : 0);
-        FirstFailure failure;
-#pragma omp parallel for schedule(dynamic, 1) num_threads(options_.threads)
-        for (int item = 0; item < items; ++item)
-            failure.guard([&] {
-                if (item < pieces)
-                    codePiece(*coding, static_cast<size_t>(item));
-                else if (item < pieces + readings)
-                    read(*reading);
-                else
-                    transformRow(*transforming, item - pieces - readings);
-            });
-        failure.rethrow();
+        crew_.run(items, [&](int item) {
+            if (item < pieces)
+                codePiece(*coding, static_cast<size_t>(item));
+            else if (item < pieces + readings)
+                read(*reading);
+            else
+                transformRow(*transforming, item - pieces - readings);
+        });
     }
 
     void read(Band& band)
@@ -240,6 +212,7 @@ private:
     const EncodeOptions& options_;
     const MakeCoder& makeCoder_;
     Target& target_;
+    Crew crew_;
     int bandMcuRows_ = 1;
     std::array<Band, 3> bands_;
     std::vector<int64_t> cuts_;
