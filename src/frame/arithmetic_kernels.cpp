@@ -41,9 +41,9 @@ VekStatus ownveksDivCRev_16u(const uint16_t* pSrc, uint16_t value, uint16_t* pDs
 {
     bool zeroSeen = false;
     for (int i = 0; i < len; ++i) {
-        const uint16_t d = pSrc[i];
+        const auto d = loadScalar<uint16_t>(pSrc + i);
         zeroSeen |= d == 0;
-        pDst[i] = d == 0 ? 65535 : quotient(value, d);
+        storeScalar(pDst + i, d == 0 ? uint16_t{65535} : quotient(value, d));
     }
     return zeroSeen ? vekStsDivByZero : vekStsOk;
 }
@@ -72,8 +72,9 @@ VekStatus veksDivCRev_16u(const uint16_t* pSrc, uint16_t value, uint16_t* pDst, 
     VEK_CHECK_POINTER(pDst);
     VEK_CHECK_LENGTH(len);
     if (value == 0) {
-        const bool zeroSeen = std::find(pSrc, pSrc + len, 0) != pSrc + len;
-        std::fill_n(pDst, len, uint16_t{0});
+        bool zeroSeen = false;
+        for (int i = 0; i < len; ++i) zeroSeen |= loadScalar<uint16_t>(pSrc + i) == 0;
+        std::memset(pDst, 0, static_cast<size_t>(len) * sizeof(uint16_t));
         return zeroSeen ? vekStsDivByZero : vekStsOk;
     }
     return len >= parallelLength ? ownveksDivCRev_16u_omp(pSrc, value, pDst, len)

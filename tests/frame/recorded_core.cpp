@@ -14,6 +14,8 @@ void* lastFreed;
 int freeCalls;
 int numThreadsCalls;
 int32_t numThreads;
+int cacheSizeCalls;
+int32_t cacheSize = -1;
 
 }  // namespace recorded
 
@@ -56,7 +58,14 @@ void vekFree(void* p)
     std::free(p);
 }
 
-int32_t vekGetMaxCacheSizeB(int32_t*) { return -1; }
+int32_t vekGetMaxCacheSizeB(int32_t* pSize)
+{
+    ++recorded::cacheSizeCalls;
+    if (recorded::cacheSize < 0)
+        return -1;
+    *pSize = recorded::cacheSize;
+    return 0;
+}
 
 int32_t ownGetNumThreads()
 {

@@ -15,6 +15,8 @@ extern void* lastFreed;
 extern int freeCalls;
 extern int numThreadsCalls;
 extern int32_t numThreads;  // the answer of ownGetNumThreads
+extern int cacheSizeCalls;
+extern int32_t cacheSize;  // what vekGetMaxCacheSizeB stores; it fails if this is negative, as it is at first
 
 }  // namespace recorded
 
