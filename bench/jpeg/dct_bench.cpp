@@ -1,5 +1,5 @@
-// The DCT with quantisation, block by block: 64 blocks stay in the first-level cache, 2^18 blocks are some 100 megabytes.
-// The peers run over the same blocks.
+// The DCT with quantisation, block by block: 64 blocks stay in the first-level cache, 2^18 blocks are some 100
+// megabytes. The peers run over the same blocks.
 #include <benchmark/benchmark.h>
 
 #include <cstring>

@@ -1,5 +1,5 @@
-// The shared memory kernels: what they write and nothing else, at every alignment, below and beyond the sizes where they
-// change their stores.
+// The shared memory kernels: what they write and nothing else, at every alignment, on both sides of the sizes where
+// their stores change.
 #include "frame/memory_kernels.h"
 
 #include <gtest/gtest.h>
@@ -221,7 +221,7 @@ struct Region {
     GuardedBytes bytes;
 };
 
-// Runs call(source, destination) and expects destination row y, sample x to hold map(source sample), the rest unchanged.
+// Runs call(source, destination) and expects each sample of the destination to hold map(its source), the rest to stay.
 template <typename From, typename To, typename Call, typename Map>
 void expectMapped(VekSize roi, int srcGap, int dstGap, const Call& call, const Map& map)
 {

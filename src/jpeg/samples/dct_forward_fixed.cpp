@@ -91,8 +91,8 @@ struct RowPairs {
             twoRows(row3, row5)};
 }
 
-// Along two rows: sums of products in 32 bits, which wrap, then (y + 2^19) >> 20. The high halves tell all of that: they
-// have 16 bits, so that the results lie in -2048 .. 2047 and need no saturation.
+// Along two rows: sums of products in 32 bits, which wrap, then (y + 2^19) >> 20. Their high halves of 16 bits tell all
+// of that, so that the results lie in -2048 .. 2047 and need no saturation.
 [[gnu::always_inline]] inline __m256i rowPass(__m256i x, const RowFactors& factors)
 {
     const __m256i reversedHigh =

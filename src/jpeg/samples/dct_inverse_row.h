@@ -6,8 +6,8 @@
 
 namespace q3 {
 
-// Operands for the coefficients (x0 x2) (x4 x6) (x0 x2) (x4 x6) and, in the second operand, with the pairs swapped: they
-// give the even part of outputs 0 to 3. Then likewise (x1 x3) (x5 x7) for the odd part.
+// Operands for the coefficients (x0 x2) (x4 x6) (x0 x2) (x4 x6) and, in the second operand, with the pairs swapped:
+// they give the even part of outputs 0 to 3. Then likewise (x1 x3) (x5 x7) for the odd part.
 constexpr RowFactors inverseFactors(const DctFactors& t)
 {
     const auto [a, b, c, d, e, f, g] = t;

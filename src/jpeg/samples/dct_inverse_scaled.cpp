@@ -1,4 +1,5 @@
-// The inverse DCT to 4x4 and to 2x2 samples. Rows are taken as they lie, two in one vector: 0 and 1, 2 and 3, and so on.
+// The inverse DCT to 4x4 and to 2x2 samples. Rows are taken as they lie, two in one vector: 0 and 1, 2 and 3, 4 and 5,
+// 6 and 7.
 #include "frame/vec.h"
 #include "jpeg/samples/dct_inverse.h"
 #include "jpeg/samples/dct_inverse_column.h"
