@@ -1,0 +1,180 @@
+// Both Huffman decoders over any table, stream and state. The sequential one equals its model, block by block; the direct
+// one equals the sequential one until a marker comes; neither leaves its memory, whatever it is given.
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "jpeg/entropy/decoder_state.h"
+#include "jpeg/entropy/huffman_tables.h"
+#include "reference/jpeg/huffman.h"
+
+namespace {
+
+using Block = std::array<int16_t, 64>;
+
+constexpr int mostBlocks = 64;
+
+void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+class Bytes {
+public:
+    Bytes(const uint8_t* data, size_t size) : data_(data), size_(size) {}
+
+    uint8_t next()
+    {
+        if (size_ == 0)
+            return 0;
+        --size_;
+        return *data_++;
+    }
+    uint64_t next64()
+    {
+        uint64_t value = 0;
+        for (int i = 0; i < 8; ++i) value = value << 8 | next();
+        return value;
+    }
+    std::vector<uint8_t> rest() { return {data_, data_ + size_}; }
+
+private:
+    const uint8_t* data_;
+    size_t size_;
+};
+
+struct Table {
+    VekDecodeHuffmanSpec spec{};
+    model::DecodeTable expected{};
+    bool valid = false;
+};
+
+Table readTable(Bytes& bytes)
+{
+    model::HuffmanLists lists;
+    int symbols = 0;
+    for (uint8_t& count : lists.bits) {
+        count = bytes.next();
+        symbols += count;
+    }
+    for (int i = 0; i < std::min(symbols, 256); ++i) lists.vals[static_cast<size_t>(i)] = bytes.next();
+    Table table;
+    const VekStatus status = vekiDecodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.vals.data(), &table.spec);
+    require(status == model::buildDecodeTable(lists, table.expected));
+    table.valid = status == vekStsOk;
+    return table;
+}
+
+struct Sequential {
+    int position = 0;
+    int marker = 0;
+    int16_t dc = 0;
+    VekDecodeHuffmanState state{};
+    Block block{};
+
+    VekStatus decode(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable)
+    {
+        return vekiDecodeHuffman8x8_JPEG_1u16s_C1(stream.data(), static_cast<int>(stream.size()), &position,
+                                                  block.data(), &dc, &marker, &dcTable.spec, &acTable.spec, &state);
+    }
+};
+
+struct Direct {
+    int bitPosition = 0;
+    int marker = 0;
+    int16_t dc = 0;
+    uint32_t prefetched = 0;
+    int numPrefetched = 0;
+    Block block{};
+
+    VekStatus decode(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable)
+    {
+        return vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(stream.data(), &bitPosition, block.data(), &dc, &marker,
+                                                         &prefetched, &numPrefetched, &dcTable.spec, &acTable.spec);
+    }
+};
+
+// A state that the decoder can have left: at most 32 bits in hand.
+void compareWithModel(const std::vector<uint8_t>& stream, const Table& dc, const Table& ac, uint64_t bits, int numBits)
+{
+    Sequential reader;
+    reader.state.bitBuffer = bits & ((uint64_t{1} << numBits) - 1);
+    reader.state.numBits = numBits;
+    model::DecoderState expectedState{reader.state.bitBuffer, numBits, 0};
+    model::Input in{stream.data(), static_cast<int>(stream.size())};
+    int16_t expectedDc = 0;
+    for (int i = 0; i < mostBlocks; ++i) {
+        Block expected{};
+        const VekStatus want = model::decodeBlock(in, expected, expectedDc, dc.expected, ac.expected, expectedState);
+        require(want == reader.decode(stream, dc, ac));
+        require(expected == reader.block && expectedDc == reader.dc);
+        require(in.position == reader.position && in.marker == reader.marker);
+        require(expectedState.numBits == reader.state.numBits);
+        require(expectedState.endOfBlockPos == reader.state.endOfBlockPos);
+        if (want != vekStsOk)
+            return;
+    }
+}
+
+void compareForms(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable)
+{
+    Sequential sequential;
+    Direct direct;
+    for (int i = 0; i < mostBlocks; ++i) {
+        const VekStatus status = sequential.decode(stream, dcTable, acTable);
+        const VekStatus directStatus = direct.decode(stream, dcTable, acTable);
+        if (sequential.marker != 0 || direct.marker != 0 || status != vekStsOk)
+            return;
+        require(directStatus == vekStsOk);
+        require(sequential.block == direct.block && sequential.dc == direct.dc);
+    }
+}
+
+void survive(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable, Bytes& bytes)
+{
+    const int size = static_cast<int>(stream.size());
+    Sequential sequential;
+    sequential.state.bitBuffer = bytes.next64();
+    sequential.state.numBits = static_cast<int32_t>(bytes.next64());
+    sequential.position = bytes.next() % (size + 1);
+    sequential.marker = bytes.next() & bytes.next();
+    Direct direct;
+    direct.prefetched = static_cast<uint32_t>(bytes.next64());
+    direct.numPrefetched = static_cast<int>(bytes.next64() & 0x7FFFFFFF);
+    direct.bitPosition = bytes.next() % (size - 1) * 8;  // before the last marker
+    for (int i = 0; i < mostBlocks; ++i) {
+        sequential.decode(stream, dcTable, acTable);
+        require(sequential.position >= 0 && sequential.position <= size);
+        if (direct.marker == 0)
+            direct.decode(stream, dcTable, acTable);
+        require(direct.bitPosition >= 0 && direct.bitPosition <= 8 * size && direct.bitPosition % 8 == 0);
+        require(direct.numPrefetched >= 0);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    Bytes bytes(data, size);
+    const Table dcTable = readTable(bytes);
+    const Table acTable = readTable(bytes);
+    if (!dcTable.valid || !acTable.valid)
+        return 0;
+    const int numBits = bytes.next() % 33;
+    const uint64_t bits = bytes.next64();
+    Bytes states = bytes;
+    std::vector<uint8_t> stream = bytes.rest();  // its end is the end of its memory
+    stream.shrink_to_fit();
+    if (!stream.empty())
+        compareWithModel(stream, dcTable, acTable, bits, numBits);
+    stream.push_back(0xFF);
+    stream.push_back(0xD9);
+    stream.shrink_to_fit();
+    compareForms(stream, dcTable, acTable);
+    survive(stream, dcTable, acTable, states);
+    return 0;
+}
