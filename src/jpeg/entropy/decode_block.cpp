@@ -46,7 +46,7 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
         return status;
     }
     *pLastDC = wrappedSum(*pLastDC, v);
-    pDst[0] = *pLastDC;
+    storeScalar(pDst, *pLastDC);
 
     int k = 1;
     while (k < 64) {
@@ -69,7 +69,7 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
         k += run;
         if (static_cast<size_t>(k) >= own_jc_izigzag_index.size())
             return vekStsJpegCoefOverrun;
-        pDst[own_jc_izigzag_index[static_cast<size_t>(k)]] = static_cast<int16_t>(v);
+        storeScalar(pDst + own_jc_izigzag_index[static_cast<size_t>(k)], static_cast<int16_t>(v));
         ++k;
     }
     pState->endOfBlockPos = k;
@@ -194,7 +194,7 @@ bool decodeFast(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t*
             return false;
         dc = wrappedSum(dc, v);
     }
-    pDst[0] = dc;
+    storeScalar(pDst, dc);
     int k = 1;
     while (k < 64) {
         if (!reader.symbol(tables.ac, symbol))
@@ -209,7 +209,7 @@ bool decodeFast(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t*
         k += symbol >> 4;
         if (k > 63 || !reader.value(size, v))
             return false;
-        pDst[own_jc_izigzag_index[static_cast<size_t>(k)]] = static_cast<int16_t>(v);
+        storeScalar(pDst + own_jc_izigzag_index[static_cast<size_t>(k)], static_cast<int16_t>(v));
         ++k;
     }
     *pSrcCurrPos = static_cast<int>(reader.finish(pState) - pSrc);

@@ -117,7 +117,7 @@ VekStatus decodeAc(int16_t* pDst, const VekDecodeHuffmanSpec& table, DirectReade
         k += run;
         if (static_cast<size_t>(k) >= own_jc_izigzag_index.size())
             return vekStsJpegCoefOverrun;
-        pDst[own_jc_izigzag_index[static_cast<size_t>(k)]] = static_cast<int16_t>(v);
+        storeScalar(pDst + own_jc_izigzag_index[static_cast<size_t>(k)], static_cast<int16_t>(v));
         ++k;
     }
     return vekStsOk;
@@ -158,7 +158,7 @@ VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc, int* pS
             status = vekStsJpegOutOfBuffer;
         } else {
             *pLastDC = wrappedSum(*pLastDC, diff);
-            pDst[0] = *pLastDC;
+            storeScalar(pDst, *pLastDC);
             status = decodeAc(pDst, *pAcTable, reader);
         }
     }

@@ -1,5 +1,6 @@
 #include "frame/checks.h"
 #include "frame/implementations.h"
+#include "frame/vec.h"
 #include "jpeg/entropy/bit_writer.h"
 #include "jpeg/entropy/fast_block_writer.h"
 
@@ -41,7 +42,7 @@ private:
     VekStatus status = writer.value(dcTable.codes[categoryOf(diff)], diff, categoryOf(diff));
     int run = 0;
     for (size_t k = 1; k < 64 && status == vekStsOk; ++k) {
-        const int v = pSrc[own_jc_izigzag_index[k]];
+        const int v = loadScalar<int16_t>(pSrc + own_jc_izigzag_index[k]);
         if (v == 0) {
             ++run;
             continue;
@@ -88,8 +89,9 @@ VekStatus vekiEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst,
     VEK_CHECK_POINTER(pDcTable);
     VEK_CHECK_POINTER(pAcTable);
     const Destination dst = {pDst, dstLenBytes, pDstCurrPos};
-    const int diff = pSrc[0] - *pLastDC;
-    *pLastDC = pSrc[0];
+    const auto dc = loadScalar<int16_t>(pSrc);
+    const int diff = dc - *pLastDC;
+    *pLastDC = dc;
     if (int64_t{dstLenBytes} - *pDstCurrPos >= fastPathRoom &&
         encodeFast(pSrc, dst, diff, *pDcTable, *pAcTable, pEncHuffState))
         return vekStsOk;

@@ -3,6 +3,7 @@
 
 #include "frame/checks.h"
 #include "frame/implementations.h"
+#include "frame/vec.h"
 #include "jpeg/entropy/fast_block_writer.h"
 
 namespace q3 {
@@ -24,8 +25,9 @@ VekStatus vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t
     VEK_CHECK_POINTER(pLastDC);
     VEK_CHECK_POINTER(pDcTable);
     VEK_CHECK_POINTER(pAcTable);
-    const int diff = pSrc[0] - *pLastDC;
-    *pLastDC = pSrc[0];
+    const auto dc = loadScalar<int16_t>(pSrc);
+    const int diff = dc - *pLastDC;
+    *pLastDC = dc;
 
     uint8_t* const begin = pDst + (*pDstBitsLen >> 3);
     const int numPending = *pDstBitsLen & 7;

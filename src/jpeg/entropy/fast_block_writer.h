@@ -42,7 +42,7 @@ public:
             uint32_t run = k - next;
             next = k + 1;
             for (; run > 15; run -= 16) [[unlikely]] put(acTable.codes[zeroRunLength], {});
-            const int v = pSrc[zigzagPositions[k]];
+            const int v = loadScalar<int16_t>(pSrc + zigzagPositions[k]);
             if (isSmall(v)) [[likely]] {
                 const Magnitude magnitude = smallMagnitudeOf(v);
                 put(acTable.codes[(run << 4) + magnitude.category], magnitude);

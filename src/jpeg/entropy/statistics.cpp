@@ -1,5 +1,6 @@
 #include "frame/checks.h"
 #include "frame/implementations.h"
+#include "frame/vec.h"
 #include "jpeg/entropy/block_mask.h"
 #include "jpeg/entropy/magnitude.h"
 
@@ -14,8 +15,9 @@ VekStatus vekiGetHuffmanStatistics8x8_JPEG_16s_C1(const int16_t* pSrc, int* pDcS
     VEK_CHECK_POINTER(pDcStatistics);
     VEK_CHECK_POINTER(pAcStatistics);
     VEK_CHECK_POINTER(pLastDC);
-    const int diff = pSrc[0] - *pLastDC;
-    *pLastDC = pSrc[0];
+    const auto dc = loadScalar<int16_t>(pSrc);
+    const int diff = dc - *pLastDC;
+    *pLastDC = dc;
     const int dcCategory = categoryOf(diff);
     VEK_CHECK(dcCategory <= 15, vekStsJpegMarkerShort);
     ++pDcStatistics[dcCategory];
@@ -28,7 +30,7 @@ VekStatus vekiGetHuffmanStatistics8x8_JPEG_16s_C1(const int16_t* pSrc, int* pDcS
         const int run = k - last - 1;
         last = k;
         pAcStatistics[0xF0] += run >> 4;
-        const int category = categoryOf(pSrc[own_jc_izigzag_index[static_cast<size_t>(k)]]);
+        const int category = categoryOf(loadScalar<int16_t>(pSrc + own_jc_izigzag_index[static_cast<size_t>(k)]));
         VEK_CHECK(category <= 14, vekStsJpegMarkerShort);
         ++pAcStatistics[((run & 15) << 4) + category];
     }

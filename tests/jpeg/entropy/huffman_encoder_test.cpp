@@ -26,9 +26,12 @@ public:
     {
         const VekStatus want = model::encodeBlock(block, expected_, expectedDc_, tables_.modelEncodeDc,
                                                   tables_.modelEncodeAc, expectedState_);
+        support::GuardedBytes memory(sizeof block, support::Guard::Behind, misalignment_++ % 16);
+        std::memcpy(memory.data(), block.data(), sizeof block);
+        const auto* const src = reinterpret_cast<const int16_t*>(memory.data());
         const VekStatus got =
-            vekiEncodeHuffman8x8_JPEG_16s1u_C1(block.data(), dst_.data(), static_cast<int>(dst_.size()), &position_,
-                                               &dc_, &tables_.encodeDc, &tables_.encodeAc, &state_, 0);
+            vekiEncodeHuffman8x8_JPEG_16s1u_C1(src, dst_.data(), static_cast<int>(dst_.size()), &position_, &dc_,
+                                               &tables_.encodeDc, &tables_.encodeAc, &state_, 0);
         EXPECT_EQ(want, got);
         compare();
         return got;
@@ -64,6 +67,7 @@ private:
     int position_ = 0;
     int16_t dc_ = 0;
     VekEncodeHuffmanState state_;
+    size_t misalignment_ = 0;  // of the blocks, which need not even lie at even addresses
 };
 
 TEST(HuffmanEncoder, ReportsItsStatesSizeAndInitialisesIt)
