@@ -32,23 +32,25 @@ struct DoubledTerms {
 template <McuLayout layout, typename Form, typename Pixels>
 inline void ownDecodeMCU(const int16_t* const* pSrcMCU, uint8_t* pDst, int dstStep)
 {
-    const auto storePixels = [=](int luma, uint8_t* pLow, int stride, uint8_t* pHigh, const Channels& terms)
+    const int16_t* const pLuma = pSrcMCU[0];
+    const int16_t* const pCb = pSrcMCU[1];
+    const int16_t* const pCr = pSrcMCU[2];
+    const int16_t* const pKey = Pixels::hasKey ? pSrcMCU[3] : nullptr;
+    constexpr int stride = layout == McuLayout::s411 ? 64 : 8;  // from the first eight pixels to the other ones
+
+    const auto storePixels = [=](int luma, uint8_t* pLow, uint8_t* pHigh, const Channels& terms)
         __attribute__((always_inline))
     {
-        const auto load = [=](const int16_t* pPlane) __attribute__((always_inline))
-        {
-            return loadLanes(pPlane + luma, pPlane + luma + stride);
-        };
-        const Channels c = Form::channels(load(pSrcMCU[0]), terms);
+        const Channels c = Form::channels(loadSamples<stride>(pLuma, luma), terms);
         if constexpr (Pixels::hasKey)
-            Pixels::store(pLow, pHigh, c, Form::key(load(pSrcMCU[3])));
+            Pixels::store(pLow, pHigh, c, Form::key(loadSamples<stride>(pKey, luma)));
         else
             Pixels::store(pLow, pHigh, c);
     };
     constexpr int rightBytes = 8 * Pixels::pixelBytes;
 
     for (int chromaRow = 0; chromaRow < 8; chromaRow += 2) {
-        const Channels terms = Form::terms(loadU(pSrcMCU[1] + 8 * chromaRow), loadU(pSrcMCU[2] + 8 * chromaRow));
+        const Channels terms = Form::terms(loadU(pCb + 8 * chromaRow), loadU(pCr + 8 * chromaRow));
         if constexpr (layout == McuLayout::s411) {
             // The halves of each chroma row go to the low halves, or the high ones, of both halves.
             constexpr int transposed = 0xD8;
@@ -58,17 +60,17 @@ inline void ownDecodeMCU(const int16_t* const* pSrcMCU, uint8_t* pDst, int dstSt
             for (int i = 0; i < 4; ++i) {
                 const int y = 2 * chromaRow + i;
                 uint8_t* pRow = rowAt(pDst, dstStep, y);
-                storePixels(mcuLumaIndex(0, y), pRow, 64, pRow + rightBytes, i < 2 ? doubled.low : doubled.high);
+                storePixels(mcuLumaIndex(0, y), pRow, pRow + rightBytes, i < 2 ? doubled.low : doubled.high);
             }
         } else {
             uint8_t* pUpper = rowAt(pDst, dstStep, chromaRow);
             uint8_t* pLower = rowAt(pDst, dstStep, chromaRow + 1);
             if constexpr (layout == McuLayout::s444) {
-                storePixels(8 * chromaRow, pUpper, 8, pLower, terms);
+                storePixels(8 * chromaRow, pUpper, pLower, terms);
             } else {
                 const DoubledTerms doubled(terms);
-                storePixels(mcuLumaIndex(0, chromaRow), pUpper, 8, pLower, doubled.low);
-                storePixels(mcuLumaIndex(8, chromaRow), pUpper + rightBytes, 8, pLower + rightBytes, doubled.high);
+                storePixels(mcuLumaIndex(0, chromaRow), pUpper, pLower, doubled.low);
+                storePixels(mcuLumaIndex(8, chromaRow), pUpper + rightBytes, pLower + rightBytes, doubled.high);
             }
         }
     }
@@ -103,9 +105,7 @@ inline VekStatus decodeMCUByAlignment(const int16_t* const* pSrcMCU, void* pDst,
     const VekStatus status = checkDecodeMCU<planes>(pSrcMCU, pDst, dstStep);
     if (status != vekStsOk)
         return status;
-    bool aligned = true;
-    for (int plane = 0; plane < planes; ++plane) aligned = aligned && isAligned(pSrcMCU[plane], 16);
-    if (aligned)
+    if (planesAligned < Pixels::hasKey ? 0b1111 : 0b0111 > (pSrcMCU))
         ownDecodeMCU<layout, BlockForm, Pixels>(pSrcMCU, static_cast<uint8_t*>(pDst), dstStep);
     else
         ownDecodeMCU<layout, DecodeScalarForm, Pixels>(pSrcMCU, static_cast<uint8_t*>(pDst), dstStep);

@@ -34,15 +34,17 @@ inline void ownEncodeMCU(const uint8_t* pSrc, int srcStep, int16_t* const* pDstM
     int16_t* const pCr = pDstMCU[2];
     constexpr int rightBytes = 8 * Pixels::pixelBytes;
 
+    int16_t* const pKey = Pixels::hasKey ? pDstMCU[3] : nullptr;
+    constexpr int stride = layout == McuLayout::s411 ? 64 : 8;  // from the first eight pixels to the other ones
+
     // Stores Y, and K if there is one, of 16 pixels; returns them for the chroma.
-    const auto loadPixels = [=](const uint8_t* pLow, const uint8_t* pHigh, int luma, int stride)
-        __attribute__((always_inline))
+    const auto loadPixels = [=](const uint8_t* pLow, const uint8_t* pHigh, int luma) __attribute__((always_inline))
     {
         const PixelPairs p = Pixels::load(pLow, pHigh);
-        storeLanes(pLuma + luma, pLuma + luma + stride,
-                   _mm256_packs_epi32(Form::luma(p.rgLeft, p.bgLeft), Form::luma(p.rgRight, p.bgRight)));
+        storeSamples<stride>(pLuma, luma,
+                             _mm256_packs_epi32(Form::luma(p.rgLeft, p.bgLeft), Form::luma(p.rgRight, p.bgRight)));
         if constexpr (Pixels::hasKey)
-            storeLanes(pDstMCU[3] + luma, pDstMCU[3] + luma + stride, Pixels::key(pLow, pHigh));
+            storeSamples<stride>(pKey, luma, Pixels::key(pLow, pHigh));
         return p;
     };
     // Both rows of a 4:1:1 chroma row: chroma 0 to 3 in the low half, 4 to 7 in the high one.
@@ -50,8 +52,8 @@ inline void ownEncodeMCU(const uint8_t* pSrc, int srcStep, int16_t* const* pDstM
     {
         const uint8_t* pUpper = rowAt(pSrc, srcStep, y);
         const uint8_t* pLower = rowAt(pSrc, srcStep, y + 1);
-        const PixelPairs u = loadPixels(pUpper, pUpper + rightBytes, mcuLumaIndex(0, y), 64);
-        const PixelPairs l = loadPixels(pLower, pLower + rightBytes, mcuLumaIndex(0, y + 1), 64);
+        const PixelPairs u = loadPixels(pUpper, pUpper + rightBytes, mcuLumaIndex(0, y));
+        const PixelPairs l = loadPixels(pLower, pLower + rightBytes, mcuLumaIndex(0, y + 1));
         return PairSums({_mm256_add_epi32(u.rgLeft, l.rgLeft), _mm256_add_epi32(u.rgRight, l.rgRight),
                          _mm256_add_epi32(u.bgLeft, l.bgLeft), _mm256_add_epi32(u.bgRight, l.bgRight)});
     };
@@ -68,7 +70,7 @@ inline void ownEncodeMCU(const uint8_t* pSrc, int srcStep, int16_t* const* pDstM
         } else {
             const uint8_t* pUpper = rowAt(pSrc, srcStep, chromaRow);
             const uint8_t* pLower = rowAt(pSrc, srcStep, chromaRow + 1);
-            const PixelPairs p = loadPixels(pUpper, pLower, mcuLumaIndex(0, chromaRow), 8);
+            const PixelPairs p = loadPixels(pUpper, pLower, mcuLumaIndex(0, chromaRow));
             if constexpr (layout == McuLayout::s444) {
                 cb = _mm256_packs_epi32(Form::template cb<0>(p.rgLeft, p.bgLeft),
                                         Form::template cb<0>(p.rgRight, p.bgRight));
@@ -76,8 +78,7 @@ inline void ownEncodeMCU(const uint8_t* pSrc, int srcStep, int16_t* const* pDstM
                                         Form::template cr<0>(p.rgRight, p.bgRight));
             } else {
                 const PairSums left(p);
-                const PairSums right(
-                    loadPixels(pUpper + rightBytes, pLower + rightBytes, mcuLumaIndex(8, chromaRow), 8));
+                const PairSums right(loadPixels(pUpper + rightBytes, pLower + rightBytes, mcuLumaIndex(8, chromaRow)));
                 cb = _mm256_packs_epi32(Form::template cb<1>(left.rg, left.bg),
                                         Form::template cb<1>(right.rg, right.bg));
                 cr = _mm256_packs_epi32(Form::template cr<1>(left.rg, left.bg),
@@ -119,10 +120,7 @@ inline VekStatus encodeMCUByAlignment(const void* pSrc, int srcStep, int16_t* co
     const VekStatus status = checkEncodeMCU<planes>(pSrc, srcStep, pDstMCU);
     if (status != vekStsOk)
         return status;
-    bool aligned = true;
-    for (int plane = 0; plane < planes; ++plane)
-        aligned = aligned && ((decidingPlanes >> plane & 1) == 0 || isAligned(pDstMCU[plane], 16));
-    if (aligned)
+    if (planesAligned<decidingPlanes>(pDstMCU))
         ownEncodeMCU<layout, BlockForm, Pixels>(static_cast<const uint8_t*>(pSrc), srcStep, pDstMCU);
     else
         ownEncodeMCU<layout, EncodeScalarForm, Pixels>(static_cast<const uint8_t*>(pSrc), srcStep, pDstMCU);

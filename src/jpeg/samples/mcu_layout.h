@@ -21,15 +21,44 @@ enum class McuLayout {
 // row in the block follow, then the next row of the block.
 constexpr int mcuLumaIndex(int x, int y) { return 128 * (y / 8) + 64 * (x / 8) + 8 * (y % 8); }
 
-// Two vectors of 16 bytes as the lanes of one, and back.
-inline __m256i loadLanes(const int16_t* low, const int16_t* high)
+// Sixteen samples of a plane from `index` on, or eight there and eight `stride` later.
+template <int stride>
+inline __m256i loadSamples(const int16_t* pPlane, int index)
 {
-    return loadLanes(reinterpret_cast<const uint8_t*>(low), reinterpret_cast<const uint8_t*>(high));
+    if constexpr (stride == 8)
+        return loadU(pPlane + index);
+    else
+        return loadLanes(reinterpret_cast<const uint8_t*>(pPlane + index),
+                         reinterpret_cast<const uint8_t*>(pPlane + index + stride));
 }
 inline void storeLanes(void* low, void* high, __m256i v)
 {
     storeU128(low, _mm256_castsi256_si128(v));
     storeU128(high, _mm256_extracti128_si256(v, 1));
+}
+template <int stride>
+inline void storeSamples(int16_t* pPlane, int index, __m256i v)
+{
+    if constexpr (stride == 8)
+        storeU(pPlane + index, v);
+    else
+        storeLanes(pPlane + index, pPlane + index + stride, v);
+}
+
+// Whether the planes whose bits are set in `deciding` lie at multiples of 16 bytes.
+template <unsigned deciding, typename Sample>
+inline bool planesAligned(Sample* const* planes)
+{
+    uintptr_t bits = 0;
+    if constexpr ((deciding & 1) != 0)
+        bits |= reinterpret_cast<uintptr_t>(planes[0]);
+    if constexpr ((deciding & 2) != 0)
+        bits |= reinterpret_cast<uintptr_t>(planes[1]);
+    if constexpr ((deciding & 4) != 0)
+        bits |= reinterpret_cast<uintptr_t>(planes[2]);
+    if constexpr ((deciding & 8) != 0)
+        bits |= reinterpret_cast<uintptr_t>(planes[3]);
+    return bits % 16 == 0;
 }
 
 }  // namespace q3
