@@ -1,5 +1,6 @@
-"""Turns a run of vekjp_bench (JSON) into a Markdown table and a plot. pairs.txt, beside this file, tells which benchmark is
-whose peer; the ratio is the peer's time by the function's, from the same run and for the same arguments."""
+"""Turns a run of vekjp_bench (JSON) into a Markdown table and a plot. pairs.txt, beside this file, tells which
+benchmark is whose peer; the ratio is the peer's time by the function's, from the same run and for the same
+arguments."""
 import argparse
 import json
 import pathlib
@@ -32,19 +33,28 @@ def in_order(name):
 
 
 def read_pairs():
-    """peer and promised ratio (or None) by function"""
+    """by function, its peers: (peer, promised ratio or None)"""
     pairs = {}
     for line in (pathlib.Path(__file__).parent / "pairs.txt").read_text(encoding="utf-8").splitlines():
         words = line.split("#")[0].split()
         if words:
-            pairs[words[0]] = (words[1], words[2] if len(words) > 2 else None)
+            pairs.setdefault(words[0], []).append((words[1], words[2] if len(words) > 2 else None))
     return pairs
+
+
+def time_of_peer(times, peer, arguments):
+    """The peer's time for the same arguments, or for as many of the first of them as it has; None if it did not run."""
+    parts = [f"BM_{peer}"] + arguments.split("/")
+    for count in range(len(parts), 0, -1):
+        if "/".join(parts[:count]) in times:
+            return times["/".join(parts[:count])]
+    return None
 
 
 def rows(times):
     """function, arguments, time, peer, peer's time, promised ratio; the last three are None where there is no peer"""
     pairs = read_pairs()
-    peers = {peer for peer, _ in pairs.values()}
+    peers = {peer for several in pairs.values() for peer, _ in several}
     result = []
     for name, time in times.items():
         function, _, arguments = name.removeprefix("BM_").partition("/")
@@ -52,9 +62,9 @@ def rows(times):
             if function not in peers:
                 print(f"{function} is nobody's peer in pairs.txt", file=sys.stderr)
             continue
-        peer, promise = pairs.get(function, (None, None))
-        peer_time = times.get(f"BM_{peer}/{arguments}") if arguments else times.get(f"BM_{peer}")
-        result.append((function, arguments, time, peer if peer_time else None, peer_time, promise))
+        beside = [(function, arguments, time, peer, time_of_peer(times, peer, arguments), promise)
+                  for peer, promise in pairs.get(function, [])]
+        result += [row for row in beside if row[4]] or [(function, arguments, time, None, None, None)]
     return result
 
 
@@ -88,7 +98,7 @@ def plot(run, path):
     matplotlib.use("Agg")
     from matplotlib import pyplot
 
-    pairs = [(f"{function} {arguments}".strip(), peer_time / time)
+    pairs = [(f"{function} {arguments} : {peer.removeprefix('peer_')}", peer_time / time)
              for function, arguments, time, peer, peer_time, _ in rows(median_times(run)) if peer]
     figure, axes = pyplot.subplots(figsize=(10, 1 + 0.3 * max(1, len(pairs))))
     axes.barh([name for name, _ in pairs], [ratio for _, ratio in pairs], color="#4878a8")

@@ -1,5 +1,5 @@
-# Compiler settings that every target shares, as the interface target vek_options, and those of the library's own code, as
-# vek_kernel_options.
+# Compiler settings that every target shares, as the interface target vek_options, and those of the library's own
+# code, as vek_kernel_options.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -19,7 +19,8 @@ add_library(vek_options INTERFACE)
 target_compile_options(vek_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wvla -Werror
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
 if(VEK_SANITIZE)
-  target_compile_options(vek_options INTERFACE -fsanitize=${VEK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  target_compile_options(vek_options INTERFACE
+    -fsanitize=${VEK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
   target_link_options(vek_options INTERFACE -fsanitize=${VEK_SANITIZE})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     # This check reports through the C++ half of its run-time, which a C program that uses the library does not link.

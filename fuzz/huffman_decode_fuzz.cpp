@@ -1,5 +1,5 @@
-// Both Huffman decoders over any table, stream and state. The sequential one equals its model, block by block; the direct
-// one equals the sequential one until a marker comes; neither leaves its memory, whatever it is given.
+// Both Huffman decoders over any table, stream and state. The sequential one equals its model, block by block; the
+// direct one equals the sequential one until a marker comes; neither leaves its memory, whatever it is given.
 #include <algorithm>
 #include <array>
 #include <cstdlib>

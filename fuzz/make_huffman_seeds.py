@@ -1,5 +1,5 @@
-"""Makes seeds/huffman_decode_fuzz from the files in seeds/vekpix_decode_fuzz: the first DC table, the first AC table, an empty
-bit buffer, the entropy-coded segments of the first scan. Not a part of any build."""
+"""Makes seeds/huffman_decode_fuzz from the files in seeds/vekpix_decode_fuzz: the first DC table, the first AC table,
+an empty bit buffer, the entropy-coded segments of the first scan. Not a part of any build."""
 import pathlib
 
 FOLDER = pathlib.Path(__file__).parent / "seeds"

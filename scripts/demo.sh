@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Codes two photographs and a large picture with vekpix, decodes the files with vekpix and with the packaged djpeg, and prints
-# what came of it. Installs what it needs on Debian 12. The files are left in build/demo to look at.
+# Codes two photographs and a large picture with vekpix, decodes the files with vekpix and with the packaged djpeg,
+# and prints what came of it. Installs what it needs on Debian 12. The files are left in build/demo to look at.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
@@ -9,7 +9,8 @@ install_packages "${packages_build[@]}" "${packages_demo[@]}"
 demo=build/demo
 mkdir -p "$demo"
 cmake -S . -B build/app -G Ninja -DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMPILER=g++ -DVEK_BUILD_TESTS=OFF \
-  -DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache >build/app.log || { cat build/app.log; exit 1; }
+  -DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache >build/app.log ||
+  { cat build/app.log; exit 1; }
 ninja -C build/app --quiet vekpix
 vekpix=build/app/apps/vekpix/vekpix
 
@@ -73,7 +74,8 @@ row() {
 for photograph in astronaut chelsea; do
   for quality in 50 75 95; do
     for sampling in 444 422 420; do
-      row "$photographs/$photograph.png" "${photograph}_q${quality}_$sampling" --quality "$quality" --sampling "$sampling"
+      row "$photographs/$photograph.png" "${photograph}_q${quality}_$sampling" \
+        --quality "$quality" --sampling "$sampling"
     done
   done
   row "$photographs/$photograph.png" "${photograph}_q75_420_optimized" --quality 75 --sampling 420 --optimize
@@ -82,6 +84,6 @@ row "$large" large_q75_420_restart --quality 75 --sampling 420 --restart 256
 row "$large" large_q75_420 --quality 75 --sampling 420
 rm "$demo"/large_*.ppm
 echo
-echo "djpeg smooths the chroma that it enlarges (422, 420), vekpix repeats it. The photographs are read from PNG files, the"
-echo "large picture from a PPM file; a time is that of the whole program, on $(nproc) processors."
+echo "djpeg smooths the chroma that it enlarges (422, 420), vekpix repeats it. The photographs are read from PNG files,"
+echo "the large picture from a PPM file; a time is that of the whole program, on $(nproc) processors."
 echo "Files to look at: $demo"

@@ -11,7 +11,8 @@ program=$(realpath "$1")
 cd "$(dirname "$0")/.."
 name=$(basename "$program")
 mkdir -p "build/corpus/$name" "build/crashes/$name"
-options=(-max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="build/crashes/$name/" -print_final_stats=1)
+options=(-max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1
+  -artifact_prefix="build/crashes/$name/")
 [[ -f fuzz/$name.dict ]] && options+=(-dict="fuzz/$name.dict")
 seeds=()
 [[ -d fuzz/seeds/$name ]] && seeds+=("fuzz/seeds/$name")

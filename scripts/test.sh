@@ -15,7 +15,7 @@ usage: scripts/test.sh [--quick] [--fuzz-seconds N] [--no-install] [STEP...]
   --no-install      install no packages
 
 Steps, all of them if none is named, each in a build folder of its own under build/:
-  format   clang-format has nothing to change
+  format   clang-format has nothing to change, and no line is longer than 120 columns
   release  g++, as shipped: library, application, benchmarks, all tests
   docs     Doxygen has nothing to complain of
   clang    clang++, as shipped: all tests
@@ -74,6 +74,12 @@ run_tests() {
 
 step_format() {
   git ls-files -z '*.h' '*.c' '*.cpp' | xargs -0 clang-format --dry-run --Werror
+  local long
+  long=$(git grep -InE '^.{121,}' -- . ':!fuzz/seeds') || true
+  if [[ -n $long ]]; then
+    printf 'lines longer than 120 columns:\n%s\n' "$long" >&2
+    return 1
+  fi
 }
 
 step_release() {

@@ -1,5 +1,5 @@
-// Quantisation tables and blocks, and the level shift of whole planes beside memcpy of as many bytes: regions in the second-level
-// cache, and beyond it.
+// Quantisation tables and blocks, and the level shift of whole planes beside memcpy of as many bytes: regions in the
+// second-level cache, and beyond it.
 #include <benchmark/benchmark.h>
 #include <omp.h>
 

@@ -1,5 +1,5 @@
-/* The exported symbols: each is one indirect jump through its slot, which keeps every register and the stack as the caller
-   left them. */
+/* The exported symbols: each is one indirect jump through its slot, which keeps every register and the stack as the
+   caller left them. */
 #include <cet.h>
 
 #define VEK_EXPORT(name) \

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# install_test.sh BUILD_DIR C_COMPILER CXX_COMPILER CMAKE SANITIZERS: installs the build into a prefix, moves the prefix, and
-# builds and runs a C99 and a C++17 program against it.
+# install_test.sh BUILD_DIR C_COMPILER CXX_COMPILER CMAKE SANITIZERS: installs the build into a prefix, moves the
+# prefix, and builds and runs a C99 and a C++17 program against it.
 set -euo pipefail
 build=$1 c=$2 cxx=$3 cmake=$4 sanitizers=$5
 consumer=$(cd "$(dirname "$0")" && pwd)/consumer

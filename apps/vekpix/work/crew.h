@@ -1,5 +1,5 @@
-// Threads that share the items of a piece of work. Those that have nothing to do sleep: waiting costs no processor time,
-// so that a crew loses little on a machine that is busy with other things.
+// Threads that share the items of a piece of work. Those that have nothing to do sleep: waiting costs no processor
+// time, so that a crew loses little on a machine that is busy with other things.
 #ifndef VEKPIX_WORK_CREW_H
 #define VEKPIX_WORK_CREW_H
 

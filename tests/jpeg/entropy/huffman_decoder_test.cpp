@@ -30,8 +30,8 @@ std::vector<uint8_t> streamOf(const std::vector<Block>& blocks, const Tables& ta
     return out.bytes;
 }
 
-// One stream read twice, by the library and by the model; everything is compared after every block. The stream ends at an unmapped
-// page.
+// One stream read twice, by the library and by the model; everything is compared after every block. The stream ends at
+// an unmapped page.
 class TwoReaders {
 public:
     TwoReaders(const Tables& tables, const std::vector<uint8_t>& bytes) : tables_(tables), bytes_(bytes.size())

@@ -199,7 +199,8 @@ TEST(HuffmanEncoder, ACoefficientAtTheEndNeedsNoEndOfBlock)
 {
     Block block{};
     block[63] = 1;
-    // Code 00, three times 11111111001 for sixteen zeros, and for run 14 and category 1 a code of 16 bits and one magnitude bit.
+    // Code 00, three times 11111111001 for sixteen zeros, and for run 14 and category 1 a code of 16 bits and one
+    // magnitude bit.
     const Tables tables = annexK();
     TwoStreams streams(tables, 100);
     streams.encode(block);
@@ -227,7 +228,8 @@ TEST(HuffmanEncoder, SixteenZerosAreOneCodeAndFifteenAreNone)
 
 TEST(HuffmanEncoder, AByteOf255InTheLastPlaceIsOutOfBuffer)
 {
-    // One code of 8 one bits would be refused; 0xFF comes from a magnitude: category 8 after a 2-bit code and 6 pending bits.
+    // One code of 8 one bits would be refused; 0xFF comes from a magnitude: category 8 after a 2-bit code and 6 pending
+    // bits.
     model::HuffmanLists dc = huffman::lists({0, 1}, {8});
     model::HuffmanLists ac = huffman::lists({1}, {0});
     const Tables tables(dc, ac);

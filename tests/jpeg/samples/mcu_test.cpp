@@ -1,4 +1,5 @@
-// Every MCU conversion against its model: nominal and extreme samples, planes and pixels at any address, steps with gaps.
+// Every MCU conversion against its model: nominal and extreme samples, planes and pixels at any address, steps with
+// gaps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -229,7 +230,8 @@ std::vector<uint8_t> randomPixels(const Mcu& mcu, Random& random)
     return bytes;
 }
 
-// Addresses of the planes: all on 16-byte boundaries (32 or not), then one after the other off it, then all off it, odd ones too.
+// Addresses of the planes: all on 16-byte boundaries (32 or not), then one after the other off it, then all off it, odd
+// ones too.
 std::vector<std::array<size_t, 4>> planeAddresses()
 {
     std::vector<std::array<size_t, 4>> list = {{0, 0, 0, 0}, {16, 16, 16, 16}, {0, 16, 0, 16}};
