@@ -7,7 +7,10 @@
 
 #include <immintrin.h>
 
+#include <array>
 #include <cstdint>
+
+#include "frame/vec.h"
 
 namespace q3 {
 
@@ -15,17 +18,21 @@ struct Channels {
     __m256i first, second, third;  // R, G, B, or Y, Cb, Cr
 };
 
-// cb * factorCb + cr * factorCr + bias, shifted right by `shift`, in 32 bits, for the lanes that unpacking takes.
+// (cb * f + cr * g + bias) >> shift in 32 bits, `factors` being pairs of f and g, for the lanes that unpacking takes.
+struct WideSums {
+    __m256i low, high;
+};
 template <int shift>
-inline void sumOfProducts(__m256i cb, __m256i cr, int16_t factorCb, int16_t factorCr, int32_t bias, __m256i& low,
-                          __m256i& high)
+inline WideSums sumOfProducts(__m256i cb, __m256i cr, __m256i factors, __m256i bias)
 {
-    const __m256i factors = _mm256_unpacklo_epi16(_mm256_set1_epi16(factorCb), _mm256_set1_epi16(factorCr));
-    const __m256i addend = _mm256_set1_epi32(bias);
-    low = _mm256_add_epi32(_mm256_madd_epi16(_mm256_unpacklo_epi16(cb, cr), factors), addend);
-    high = _mm256_add_epi32(_mm256_madd_epi16(_mm256_unpackhi_epi16(cb, cr), factors), addend);
-    low = _mm256_srai_epi32(low, shift);
-    high = _mm256_srai_epi32(high, shift);
+    const __m256i low = _mm256_madd_epi16(_mm256_unpacklo_epi16(cb, cr), factors);
+    const __m256i high = _mm256_madd_epi16(_mm256_unpackhi_epi16(cb, cr), factors);
+    return {_mm256_srai_epi32(_mm256_add_epi32(low, bias), shift),
+            _mm256_srai_epi32(_mm256_add_epi32(high, bias), shift)};
+}
+inline __m256i factorPairs(int16_t factorCb, int16_t factorCr)
+{
+    return _mm256_unpacklo_epi16(_mm256_set1_epi16(factorCb), _mm256_set1_epi16(factorCr));
 }
 
 // Q14 with saturated terms, for 4:4:4 to RGB and BGR.
@@ -34,16 +41,24 @@ inline void sumOfProducts(__m256i cb, __m256i cr, int16_t factorCb, int16_t fact
 // 22970 = 16384 + 13172 / 2 and 29032 = 16384 + 25296 / 2: the rounding multiply gives the second summand rounded, and
 // 2105344 is 128 and a half; the last of the sums is the only one that can leave 16 bits, and it saturates.
 struct DecodeFormA {
+    // In memory of another file: the broadcasts that the compiler would make of values that it knows cost a tenth of the
+    // time, so short is an MCU of 4:4:4.
+    struct alignas(32) Constants {
+        std::array<int16_t, 16> red, blue, bias, green;
+        std::array<int32_t, 8> greenBias;
+    };
+    static const Constants constants;
+
     static Channels terms(__m256i cb, __m256i cr)
     {
-        const __m256i bias = _mm256_set1_epi16(128);
-        Channels t;
-        t.first = _mm256_adds_epi16(cr, _mm256_add_epi16(_mm256_mulhrs_epi16(cr, _mm256_set1_epi16(13172)), bias));
-        t.third = _mm256_adds_epi16(cb, _mm256_add_epi16(_mm256_mulhrs_epi16(cb, _mm256_set1_epi16(25296)), bias));
-        __m256i low, high;
-        sumOfProducts<14>(cb, cr, -5638, -11700, 2105344, low, high);
-        t.second = _mm256_packs_epi32(low, high);
-        return t;
+        const __m256i bias = loadU(constants.bias.data());
+        const __m256i green = loadU(constants.green.data());
+        const __m256i greenBias = loadU(constants.greenBias.data());
+        const __m256i red = _mm256_mulhrs_epi16(cr, loadU(constants.red.data()));
+        const __m256i blue = _mm256_mulhrs_epi16(cb, loadU(constants.blue.data()));
+        const WideSums sums = sumOfProducts<14>(cb, cr, green, greenBias);
+        return {_mm256_adds_epi16(cr, _mm256_add_epi16(red, bias)), _mm256_packs_epi32(sums.low, sums.high),
+                _mm256_adds_epi16(cb, _mm256_add_epi16(blue, bias))};
     }
     static Channels channels(__m256i y, const Channels& t)
     {
@@ -62,10 +77,9 @@ struct DecodeFormB {
         Channels t;
         t.first = _mm256_add_epi16(cr, _mm256_add_epi16(_mm256_mulhrs_epi16(cr, _mm256_set1_epi16(13172)), bias));
         t.third = _mm256_add_epi16(cb, _mm256_add_epi16(_mm256_mulhrs_epi16(cb, _mm256_set1_epi16(25296)), bias));
-        __m256i low, high;
-        sumOfProducts<14>(cb, cr, 5638, 11700, -2088960, low, high);
+        const WideSums sums = sumOfProducts<14>(cb, cr, factorPairs(5638, 11700), _mm256_set1_epi32(-2088960));
         const __m256i low16 = _mm256_set1_epi32(0xFFFF);
-        t.second = _mm256_packus_epi32(_mm256_and_si256(low, low16), _mm256_and_si256(high, low16));
+        t.second = _mm256_packus_epi32(_mm256_and_si256(sums.low, low16), _mm256_and_si256(sums.high, low16));
         return t;
     }
     static Channels channels(__m256i y, const Channels& t)
@@ -86,9 +100,8 @@ struct DecodeScalarForm {
         Channels t;
         t.first = _mm256_add_epi16(cr, _mm256_mulhi_epi16(cr, _mm256_set1_epi16(26345)));
         t.third = _mm256_add_epi16(_mm256_add_epi16(cb, cb), _mm256_mulhi_epi16(cb, _mm256_set1_epi16(-14942)));
-        __m256i low, high;
-        sumOfProducts<16>(cb, cr, -22554, 18734, 0, low, high);
-        t.second = _mm256_sub_epi16(_mm256_packs_epi32(low, high), cr);
+        const WideSums sums = sumOfProducts<16>(cb, cr, factorPairs(-22554, 18734), _mm256_set1_epi32(0));
+        t.second = _mm256_sub_epi16(_mm256_packs_epi32(sums.low, sums.high), cr);
         return t;
     }
     static Channels channels(__m256i y, const Channels& t)
