@@ -19,7 +19,7 @@ inline void storeU(void* p, __m256i v) { _mm256_storeu_si256(static_cast<__m256i
 // 8 bytes in the low or the high half of a vector.
 inline __m128i loadLow64(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 inline void storeLow64(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
-inline void storeHigh64(void* p, __m128i v) { _mm_storeh_pd(static_cast<double*>(p), _mm_castsi128_pd(v)); }
+inline void storeHigh64(void* p, __m128i v) { _mm_storeh_pi(static_cast<__m64*>(p), _mm_castsi128_ps(v)); }
 
 // One scalar at any address.
 template <typename T>
