@@ -41,8 +41,8 @@ inline __m256i factorPairs(int16_t factorCb, int16_t factorCr)
 // 22970 = 16384 + 13172 / 2 and 29032 = 16384 + 25296 / 2: the rounding multiply gives the second summand rounded, and
 // 2105344 is 128 and a half; the last of the sums is the only one that can leave 16 bits, and it saturates.
 struct DecodeFormA {
-    // In memory of another file: the broadcasts that the compiler would make of values that it knows cost a tenth of the
-    // time, so short is an MCU of 4:4:4.
+    // In memory of another file: the broadcasts that the compiler would make of values that it knows cost a tenth of
+    // the time, so short is an MCU of 4:4:4.
     struct alignas(32) Constants {
         std::array<int16_t, 16> red, blue, bias, green;
         std::array<int32_t, 8> greenBias;
