@@ -154,7 +154,6 @@ void encodePeer(benchmark::State& state, Layout layout)
     state.SetItemsProcessed(state.iterations() * row.pixels());
 }
 
-// Replication and colour in two passes: on this work they are faster than the kernels that do both in one.
 void decodePeer(benchmark::State& state, Layout layout)
 {
     PeerRow row(state, layout);
@@ -166,6 +165,21 @@ void decodePeer(benchmark::State& state, Layout layout)
             upsample(layout.mcuHeight, width, row.sharedPlanes[i], &row.fullPlanes[i]);
         }
         turbo::jsimd_ycc_rgb_convert_avx2(width, row.fullPlanes, 0, row.rgbRows.data(), layout.mcuHeight);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * row.pixels());
+}
+
+void decodeMergedPeer(benchmark::State& state, Layout layout)
+{
+    PeerRow row(state, layout);
+    const auto width = static_cast<unsigned>(row.width);
+    const int rowsAtOnce = layout.mcuHeight / 8;
+    const auto merged =
+        rowsAtOnce == 1 ? turbo::jsimd_h2v1_merged_upsample_avx2 : turbo::jsimd_h2v2_merged_upsample_avx2;
+    for (auto _ : state) {
+        for (unsigned group = 0; group < 8; ++group)
+            merged(width, row.sharedPlanes, group, row.rgbRows.data() + group * static_cast<unsigned>(rowsAtOnce));
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * row.pixels());
@@ -186,8 +200,10 @@ VEK_BENCH_DECODE(vekiYCbCr444ToRGBLS_MCU_16s8u_P3C3R, s444, 3);
 VEK_BENCH_PEER(decodePeer, "upsample_ycc_rgb_444", s444);
 VEK_BENCH_DECODE(vekiYCbCr422ToRGBLS_MCU_16s8u_P3C3R, s422, 3);
 VEK_BENCH_PEER(decodePeer, "upsample_ycc_rgb_422", s422);
+VEK_BENCH_PEER(decodeMergedPeer, "merged_upsample_422", s422);
 VEK_BENCH_DECODE(vekiYCbCr411ToRGBLS_MCU_16s8u_P3C3R, s411, 3);
 VEK_BENCH_PEER(decodePeer, "upsample_ycc_rgb_411", s411);
+VEK_BENCH_PEER(decodeMergedPeer, "merged_upsample_411", s411);
 VEK_BENCH_DECODE(vekiYCbCr444ToBGRLS_MCU_16s8u_P3C3R, s444, 3);
 VEK_BENCH_DECODE(vekiYCbCr422ToBGRLS_MCU_16s8u_P3C3R, s422, 3);
 VEK_BENCH_DECODE(vekiYCbCr411ToBGRLS_MCU_16s8u_P3C3R, s411, 3);
