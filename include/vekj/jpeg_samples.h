@@ -300,4 +300,76 @@ VEK_API VekStatus vekiSampleDown411LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int s
 VEK_API VekStatus vekiSplit422LS_MCU_8u16s_C2P3R(const uint8_t* pSrc, int srcStep, int16_t* const pDstMCU[3]);
 /** @} */
 
+/** @name Chroma sampling
+ *  Halving and doubling of 8-bit planes. The whole-plane functions have no rule for the edges: they read the samples
+ * around the region that their formulas name, which must be readable. The row functions treat the ends of a row
+ * themselves. The families round differently. Sums are exact; shifts round down.
+ *
+ *  The whole-plane functions work on `dstRoiSize` alone; `srcRoiSize` is only checked. They return vekStsOk, or the
+ * first that applies, with nothing written: vekStsNullPointer (pSrc), vekStsBadStep (srcStep), vekStsBadSize
+ * (srcRoiSize), vekStsNullPointer (pDst), vekStsBadStep (dstStep), vekStsBadSize (dstRoiSize). Steps are in bytes.
+ *
+ *  The row functions return vekStsOk; vekStsNullPointer for any null pointer; vekStsBadSize if `srcWidth` is below 1.
+ *  @{ */
+
+/** Halves the width: dst(i, j) = (s(i, 2j) + s(i, 2j + 1) + 1) >> 1. More than 8192 results are shared among threads.
+ */
+VEK_API VekStatus vekiSampleDownH2V1_JPEG_8u_C1R(const uint8_t* pSrc, int srcStep, VekSize srcRoiSize, uint8_t* pDst,
+                                                 int dstStep, VekSize dstRoiSize);
+
+/** Halves both sides: dst(i, j) = (the sum of the 2x2 samples at (2i, 2j) + 3) >> 2. More than 8192 results are shared
+ * among threads. */
+VEK_API VekStatus vekiSampleDownH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int srcStep, VekSize srcRoiSize, uint8_t* pDst,
+                                                 int dstStep, VekSize dstRoiSize);
+
+/** Doubles the width with a triangle filter:
+ *
+ *      dst(2i) = (3 s(i) + s(i - 1) + 1) >> 2,   dst(2i + 1) = (3 s(i) + s(i + 1) + 2) >> 2
+ *
+ *  Reads s(-1) to s(width / 2) of each row, width being that of `dstRoiSize`; of an odd width the last result is of the
+ * first kind. Runs on the calling thread. */
+VEK_API VekStatus vekiSampleUpH2V1_JPEG_8u_C1R(const uint8_t* pSrc, int srcStep, VekSize srcRoiSize, uint8_t* pDst,
+                                               int dstStep, VekSize dstRoiSize);
+
+/** Doubles both sides with a triangle filter. For row k, with a the source row k / 2, b the source row below it if k is
+ * odd, above it if k is even, and t(i) = 3 a(i) + b(i):
+ *
+ *      dst(2i) = (3 t(i) + t(i - 1) + 8) >> 4,   dst(2i + 1) = (3 t(i) + t(i + 1) + 7) >> 4
+ *
+ *  Reads samples -1 to width / 2 of the source rows -1 to height / 2. More than 8192 results are shared among threads.
+ */
+VEK_API VekStatus vekiSampleUpH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int srcStep, VekSize srcRoiSize, uint8_t* pDst,
+                                               int dstStep, VekSize dstRoiSize);
+
+/** Halves a row: dst(j) = (s(2j) + s(2j + 1) + bias(j)) >> 1 for the `srcWidth` / 2 pairs; an odd last sample is
+ * ignored.
+ *
+ *  From 16 samples on, bias(j) is 0 for even j and 1 for odd j; below, it is 0 for the last result and alternates from
+ * there. With k the bytes from `pDst` to the next multiple of 16, a row of 16 or more samples, but no more than 2k,
+ * gets only
+ *  (`srcWidth` - k) / 2 results. */
+VEK_API VekStatus vekiSampleDownRowH2V1_Box_JPEG_8u_C1(const uint8_t* pSrc, int srcWidth, uint8_t* pDst);
+
+/** Halves two rows to one: dst(j) = (a(2j) + a(2j + 1) + b(2j) + b(2j + 1) + bias(j)) >> 2 for the `srcWidth` / 2 pairs
+ * of columns, bias(j) being 1 for even j and 2 for odd j; an odd last column is ignored. */
+VEK_API VekStatus vekiSampleDownRowH2V2_Box_JPEG_8u_C1(const uint8_t* pSrc1, const uint8_t* pSrc2, int srcWidth,
+                                                       uint8_t* pDst);
+
+/** Doubles a row to 2 * `srcWidth` samples with a triangle filter:
+ *
+ *      dst(2i) = (3 s(i) + s(i - 1) + 1) >> 2,   dst(2i + 1) = (3 s(i) + s(i + 1) + 2) >> 2
+ *
+ *  but the first and the last result are the first and the last sample. */
+VEK_API VekStatus vekiSampleUpRowH2V1_Triangle_JPEG_8u_C1(const uint8_t* pSrc, int srcWidth, uint8_t* pDst);
+
+/** One of the two result rows of a source row a = `pSrc1` whose nearer neighbour is b = `pSrc2`, 2 * `srcWidth`
+ * samples. With t(i) = 3 a(i) + b(i):
+ *
+ *      dst(2i) = (3 t(i) + t(i - 1) + 8) >> 4,   dst(2i + 1) = (3 t(i) + t(i + 1) + 7) >> 4
+ *
+ *  but the first result is (4 t(0) + 8) >> 4, and the last (4 t(`srcWidth` - 1) + 7) >> 4. */
+VEK_API VekStatus vekiSampleUpRowH2V2_Triangle_JPEG_8u_C1(const uint8_t* pSrc1, const uint8_t* pSrc2, int srcWidth,
+                                                          uint8_t* pDst);
+/** @} */
+
 #endif

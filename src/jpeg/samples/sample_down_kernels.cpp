@@ -1,0 +1,86 @@
+#include "frame/vec.h"
+#include "jpeg/samples/sampling_kernels.h"
+
+namespace q3 {
+namespace {
+
+// Sums of horizontal pairs of 32 samples, 16 bits each.
+inline __m256i pairSums(const uint8_t* p) { return _mm256_maddubs_epi16(loadU(p), _mm256_set1_epi8(1)); }
+
+// One row: dst(j) = (s(2j) + s(2j + 1) + bias(j)) >> 1, bias(j) = Even for even j, Odd for odd j.
+template <int Even, int Odd>
+struct OneRow {
+    static constexpr int shift = 1;
+    const uint8_t* src;
+
+    __m256i sums(int j) const { return pairSums(src + 2 * j); }
+    int sum(int j) const { return src[2 * j] + src[2 * j + 1]; }
+    static constexpr int bias(int j) { return j % 2 == 0 ? Even : Odd; }
+};
+
+// Two rows: dst(j) = (a(2j) + a(2j + 1) + b(2j) + b(2j + 1) + bias(j)) >> 2.
+template <int Even, int Odd>
+struct TwoRows {
+    static constexpr int shift = 2;
+    const uint8_t* a;
+    const uint8_t* b;
+
+    __m256i sums(int j) const { return _mm256_add_epi16(pairSums(a + 2 * j), pairSums(b + 2 * j)); }
+    int sum(int j) const { return a[2 * j] + a[2 * j + 1] + b[2 * j] + b[2 * j + 1]; }
+    static constexpr int bias(int j) { return j % 2 == 0 ? Even : Odd; }
+};
+
+// `count` results. Every vector begins at an even j, so that each lane keeps its bias.
+template <typename Rows>
+inline void sampleDown(const Rows rows, uint8_t* pDst, int count)
+{
+    const __m256i bias = _mm256_set1_epi32(Rows::bias(0) | Rows::bias(1) << 16);
+    const auto means = [&](int j) { return _mm256_srli_epi16(_mm256_add_epi16(rows.sums(j), bias), Rows::shift); };
+    int j = 0;
+    for (; j + 32 <= count; j += 32) {
+        const __m256i packed = _mm256_packus_epi16(means(j), means(j + 16));  // 0-7, 16-23 | 8-15, 24-31
+        storeU(pDst + j, _mm256_permute4x64_epi64(packed, 0xD8));
+    }
+    if (j + 16 <= count) {
+        const __m256i m = means(j);
+        storeU128(pDst + j, _mm_packus_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1)));
+        j += 16;
+    }
+    for (; j < count; ++j) pDst[j] = static_cast<uint8_t>((rows.sum(j) + Rows::bias(j)) >> Rows::shift);
+}
+
+}  // namespace
+
+void ownjc_SampleDownH2V1_JPEG_8u_C1(const uint8_t* pSrc, uint8_t* pDst, int width)
+{
+    sampleDown(OneRow<1, 1>{pSrc}, pDst, width);
+}
+
+void ownjc_SampleDownH2V2_JPEG_8u_C1(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int width)
+{
+    sampleDown(TwoRows<3, 3>{pSrc, pSrc + srcStep}, pDst, width);
+}
+
+// Below 16 samples the biases 0, 1 alternate from the end of the row, else from its beginning. From 16 samples on the
+// row is counted short where the destination lies so close before its next 16-byte boundary, k results away, that
+// srcWidth <= 2k: only (srcWidth - k) / 2 results are due then. Both are part of the contract.
+void ownjc_SampleDownRowH2V1_Box_JPEG_8u_C1(const uint8_t* pSrc, int srcWidth, uint8_t* pDst)
+{
+    const int count = srcWidth / 2;
+    if (srcWidth < 16) {
+        if (count % 2 == 0)
+            sampleDown(OneRow<1, 0>{pSrc}, pDst, count);
+        else
+            sampleDown(OneRow<0, 1>{pSrc}, pDst, count);
+        return;
+    }
+    const int k = static_cast<int>(-reinterpret_cast<uintptr_t>(pDst) & 15);
+    sampleDown(OneRow<0, 1>{pSrc}, pDst, srcWidth <= 2 * k ? (srcWidth - k) / 2 : count);
+}
+
+void ownjc_SampleDownRowH2V2_Box_JPEG_8u_C1(const uint8_t* pSrc1, const uint8_t* pSrc2, int srcWidth, uint8_t* pDst)
+{
+    sampleDown(TwoRows<1, 2>{pSrc1, pSrc2}, pDst, srcWidth / 2);
+}
+
+}  // namespace q3
