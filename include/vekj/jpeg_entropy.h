@@ -178,4 +178,46 @@ VEK_API VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc,
                                                             const VekDecodeHuffmanSpec* pAcTable);
 /** @} */
 
+/** @name Lossless prediction (ITU T.81, Annex H)
+ *  Rows of 16-bit samples; all sums and differences wrap modulo 65536, halvings round down.
+ *
+ *  The first row of an image is predicted from the left: its first sample from 2^(P - Pt - 1), the count taken modulo
+ * 32, every other from its left neighbour. Of the other rows the first sample is predicted from above, and every other,
+ * with a the sample to the left, b the one above and c the one above to the left, by
+ *
+ *  | `predictor` | prediction         |
+ *  |-------------|--------------------|
+ *  | 1           | a                  |
+ *  | 2           | b                  |
+ *  | 3           | c                  |
+ *  | 4           | a + b - c          |
+ *  | 5           | a + ((b - c) >> 1) |
+ *  | 6           | b + ((a - c) >> 1) |
+ *  | 7           | (a + b) >> 1       |
+ *
+ *  `width` counts samples. `pDst` may be `pSrc`.
+ *  @{ */
+
+/** Differences of a first row: the samples minus their predictions.
+ *  @param P   sample precision in bits, 2 to 16
+ *  @param Pt  point transform, at least 0
+ *  @return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrc, pDst), vekStsBadSize
+ * (width below 1), vekStsBadArgument (P, Pt) */
+VEK_API VekStatus vekiDiffPredFirstRow_JPEG_16s_C1(const int16_t* pSrc, int16_t* pDst, int width, int P, int Pt);
+
+/** Differences of another row: the samples minus their predictions from `pSrc` itself and `pPrevRow`.
+ *  @return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrc, pPrevRow, pDst),
+ * vekStsBadSize (width below 1), vekStsBadArgument (predictor outside 1 to 7) */
+VEK_API VekStatus vekiDiffPredRow_JPEG_16s_C1(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width,
+                                              int predictor);
+
+/** Samples of a first row from its differences; arguments and errors of vekiDiffPredFirstRow_JPEG_16s_C1(). */
+VEK_API VekStatus vekiReconstructPredFirstRow_JPEG_16s_C1(const int16_t* pSrc, int16_t* pDst, int width, int P, int Pt);
+
+/** Samples of another row from its differences and the reconstructed row above; errors of
+ * vekiDiffPredRow_JPEG_16s_C1(). */
+VEK_API VekStatus vekiReconstructPredRow_JPEG_16s_C1(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst,
+                                                     int width, int predictor);
+/** @} */
+
 #endif

@@ -1,0 +1,163 @@
+#include "frame/vec.h"
+#include "jpeg/entropy/prediction_halves.h"
+#include "jpeg/entropy/prediction_kernels.h"
+
+namespace q3 {
+namespace {
+
+constexpr int lanes = 16;
+
+// The part of the prediction that does not hang on the sample to the left.
+template <int Predictor>
+inline __m256i offset(__m256i b, __m256i c)
+{
+    if constexpr (Predictor == 2)
+        return b;
+    if constexpr (Predictor == 3)
+        return c;
+    if constexpr (Predictor == 4)
+        return _mm256_sub_epi16(b, c);
+    if constexpr (Predictor == 5)
+        return halfDifference(b, c);
+}
+
+template <int Predictor>
+inline int offset(int b, int c)
+{
+    if constexpr (Predictor == 2)
+        return b;
+    if constexpr (Predictor == 3)
+        return c;
+    if constexpr (Predictor == 4)
+        return b - c;
+    if constexpr (Predictor == 5)
+        return (b - c) >> 1;
+}
+
+// Columns 1 to width - 1 of predictors 2 and 3: d + offset.
+template <int Predictor>
+void addOffsets(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width)
+{
+    int i = 1;
+    for (; i + lanes <= width; i += lanes) {
+        const __m256i o = offset<Predictor>(loadU(pPrevRow + i), loadU(pPrevRow + i - 1));
+        storeU(pDst + i, _mm256_add_epi16(loadU(pSrc + i), o));
+    }
+    for (; i < width; ++i) pDst[i] = static_cast<int16_t>(pSrc[i] + offset<Predictor>(pPrevRow[i], pPrevRow[i - 1]));
+}
+
+// Lane k becomes the sum of lanes 0 to k.
+inline __m256i prefixSums(__m256i x)
+{
+    x = _mm256_add_epi16(x, _mm256_slli_si256(x, 2));
+    x = _mm256_add_epi16(x, _mm256_slli_si256(x, 4));
+    x = _mm256_add_epi16(x, _mm256_slli_si256(x, 8));
+    const __m256i lastWord = _mm256_set1_epi16(0x0F0E);
+    const __m256i lowHalf = _mm256_permute2x128_si256(x, x, 0x08);  // zero below, the low half above
+    return _mm256_add_epi16(x, _mm256_shuffle_epi8(lowHalf, lastWord));
+}
+
+// Columns 1 to width - 1 of predictors 1, 4 and 5, where x(i) = x(i - 1) + d(i) + offset(i): running sums.
+template <int Predictor>
+void sumOffsets(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width)
+{
+    int i = 1;
+    __m256i carry = _mm256_set1_epi16(pDst[0]);
+    const __m256i lastWord = _mm256_set1_epi16(0x0F0E);
+    for (; i + lanes <= width; i += lanes) {
+        __m256i step = loadU(pSrc + i);
+        if constexpr (Predictor != 1)
+            step = _mm256_add_epi16(step, offset<Predictor>(loadU(pPrevRow + i), loadU(pPrevRow + i - 1)));
+        const __m256i sums = prefixSums(step);
+        storeU(pDst + i, _mm256_add_epi16(carry, sums));
+        // The carry's own chain is one addition: the total of this step does not wait for it.
+        carry = _mm256_add_epi16(carry, _mm256_shuffle_epi8(_mm256_permute4x64_epi64(sums, 0xFF), lastWord));
+    }
+    for (; i < width; ++i) {
+        int o = 0;
+        if constexpr (Predictor != 1)
+            o = offset<Predictor>(pPrevRow[i], pPrevRow[i - 1]);
+        pDst[i] = static_cast<int16_t>(pDst[i - 1] + pSrc[i] + o);
+    }
+}
+
+// Predictors 6 and 7 halve a sum with the sample to the left, so that each sample waits for the one before. Lane 0 of a
+// vector holds it in the form that the average instruction takes; a sample then costs one average and one addition, two
+// cycles:
+//      6:  x' = x + 0x8000:      x'(i) = average(x'(i - 1), ~c') + (d + b)
+//      7:  z = ~(x + 0x8000):    z(i) = average(z(i - 1), ~b') - d
+struct Predictor6 {
+    static constexpr int16_t form = -0x8000;  // x ^ form is x in the form of the chain
+    static __m128i next(__m128i left, __m128i d, __m128i b, __m128i c)
+    {
+        const __m128i complement = _mm_xor_si128(c, _mm_set1_epi16(0x7FFF));
+        return _mm_add_epi16(_mm_avg_epu16(left, complement), _mm_add_epi16(d, b));
+    }
+    static int next(int left, int d, int b, int c) { return d + b + ((left - c) >> 1); }
+};
+struct Predictor7 {
+    static constexpr int16_t form = 0x7FFF;
+    static __m128i next(__m128i left, __m128i d, __m128i b, __m128i)
+    {
+        const __m128i complement = _mm_xor_si128(b, _mm_set1_epi16(0x7FFF));
+        return _mm_sub_epi16(_mm_avg_epu16(left, complement), d);
+    }
+    static int next(int left, int d, int b, int) { return d + ((left + b) >> 1); }
+};
+
+template <typename Predictor>
+void chain(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width)
+{
+    constexpr int group = 8;
+    const __m128i form = _mm_set1_epi16(Predictor::form);
+    __m128i left = _mm_xor_si128(_mm_set1_epi16(pDst[0]), form);
+    int i = 1;
+    for (; i + 2 * group <= width; i += group) {  // the loads reach past their one sample by seven
+        __m128i results = form;
+        for (int k = i; k < i + group; ++k) {
+            left = Predictor::next(left, loadU128(pSrc + k), loadU128(pPrevRow + k), loadU128(pPrevRow + k - 1));
+            results = _mm_alignr_epi8(left, results, 2);
+        }
+        storeU128(pDst + i, _mm_xor_si128(results, form));
+    }
+    for (; i < width; ++i)
+        pDst[i] = static_cast<int16_t>(Predictor::next(pDst[i - 1], pSrc[i], pPrevRow[i], pPrevRow[i - 1]));
+}
+
+}  // namespace
+
+void ownjc_ReconstructPredFirstRow(const int16_t* pSrc, int16_t* pDst, int width, int16_t reference)
+{
+    pDst[0] = static_cast<int16_t>(pSrc[0] + reference);
+    sumOffsets<1>(pSrc, nullptr, pDst, width);
+}
+
+void ownjc_ReconstructPredRow(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width, int predictor)
+{
+    pDst[0] = static_cast<int16_t>(pSrc[0] + pPrevRow[0]);
+    switch (predictor) {
+        case 1:
+            sumOffsets<1>(pSrc, pPrevRow, pDst, width);
+            break;
+        case 2:
+            addOffsets<2>(pSrc, pPrevRow, pDst, width);
+            break;
+        case 3:
+            addOffsets<3>(pSrc, pPrevRow, pDst, width);
+            break;
+        case 4:
+            sumOffsets<4>(pSrc, pPrevRow, pDst, width);
+            break;
+        case 5:
+            sumOffsets<5>(pSrc, pPrevRow, pDst, width);
+            break;
+        case 6:
+            chain<Predictor6>(pSrc, pPrevRow, pDst, width);
+            break;
+        default:
+            chain<Predictor7>(pSrc, pPrevRow, pDst, width);
+            break;
+    }
+}
+
+}  // namespace q3
