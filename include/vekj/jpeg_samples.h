@@ -372,4 +372,257 @@ VEK_API VekStatus vekiSampleUpRowH2V2_Triangle_JPEG_8u_C1(const uint8_t* pSrc1, 
                                                           uint8_t* pDst);
 /** @} */
 
+/** @name Colour conversion, YCbCr to RGB
+ *  Rows of 8-bit samples; `pSrc` and `pDst` name the planes or the one interleaved image, steps are in bytes, the
+ * planes of one image share theirs. clip is to 0..255, u = Cb - 128, v = Cr - 128, shifts round down. The first width &
+ * ~3 columns are
+ *
+ *      R = clip(Y + ((22970 v + 8145) >> 14))
+ *      planar, packed and YCCK:  G = clip(Y - ((5638 u + 11700 v + 8082) >> 14)),   B = clip(Y + ((29032 u + 7535) >>
+ * 14)) 8-bit pixels:             G = clip(Y + ((-5638 u - 11700 v + 8302) >> 14)),  B = clip(Y + ((29032 u + 8135) >>
+ * 14))
+ *
+ *  and the last width & 3 columns
+ *
+ *      R = clip(Y + ((91881 v + 32768) >> 16)),   B = clip(Y + ((116130 u + 32768) >> 16))
+ *      G = clip(Y + ((-22554 u - 46802 v + 32768) >> 16))
+ *
+ *  which differ at a few inputs. YCCK to CMYK gives 255 - R, 255 - G, 255 - B and K unchanged. Packed pixels hold the
+ * first channel of their name in bits 0 to 4, green in the next 5 or 6, the other in the 5 above; low bits are dropped,
+ * bit 15 of a 555 pixel is 0. `aval` fills the fourth byte.
+ *
+ *  Regions of more than 8192 pixels are shared among threads, but for packed and four-byte RGB pixels.
+ *  Results: vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (an array, a plane, an image),
+ * vekStsBadStep (a step below 1; not checked by the members with `aval`), vekStsBadSize (a side below 1).
+ *  @{ */
+
+/** YCbCr planes to RGB planes. */
+VEK_API VekStatus vekiYCbCrToRGB_JPEG_8u_P3R(const uint8_t* const pSrc[3], int srcStep, uint8_t* const pDst[3],
+                                             int dstStep, VekSize roiSize);
+
+/** YCCK planes to CMYK planes. */
+VEK_API VekStatus vekiYCCKToCMYK_JPEG_8u_P4R(const uint8_t* const pSrc[4], int srcStep, uint8_t* const pDst[4],
+                                             int dstStep, VekSize roiSize);
+
+/** YCCK planes to CMYK 4-byte pixels. */
+VEK_API VekStatus vekiYCCKToCMYK_JPEG_8u_P4C4R(const uint8_t* const pSrc[4], int srcStep, uint8_t* pDst, int dstStep,
+                                               VekSize roiSize);
+
+/** YCbCr planes to RGB pixels. */
+VEK_API VekStatus vekiYCbCrToRGB_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], int srcStep, uint8_t* pDst, int dstStep,
+                                               VekSize roiSize);
+
+/** YCbCr planes to BGR pixels. */
+VEK_API VekStatus vekiYCbCrToBGR_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], int srcStep, uint8_t* pDst, int dstStep,
+                                               VekSize roiSize);
+
+/** YCbCr planes to RGB 4-byte pixels. */
+VEK_API VekStatus vekiYCbCrToRGB_JPEG_8u_P3C4R(const uint8_t* const pSrc[3], int srcStep, uint8_t* pDst, int dstStep,
+                                               VekSize roiSize, uint8_t aval);
+
+/** YCbCr planes to BGR 4-byte pixels. */
+VEK_API VekStatus vekiYCbCrToBGR_JPEG_8u_P3C4R(const uint8_t* const pSrc[3], int srcStep, uint8_t* pDst, int dstStep,
+                                               VekSize roiSize, uint8_t aval);
+
+/** YCbCr planes to RGB555 pixels. */
+VEK_API VekStatus vekiYCbCrToRGB555_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int srcStep, uint16_t* pDst,
+                                                     int dstStep, VekSize roiSize);
+
+/** YCbCr planes to BGR555 pixels. */
+VEK_API VekStatus vekiYCbCrToBGR555_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int srcStep, uint16_t* pDst,
+                                                     int dstStep, VekSize roiSize);
+
+/** YCbCr planes to RGB565 pixels. */
+VEK_API VekStatus vekiYCbCrToRGB565_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int srcStep, uint16_t* pDst,
+                                                     int dstStep, VekSize roiSize);
+
+/** YCbCr planes to BGR565 pixels. */
+VEK_API VekStatus vekiYCbCrToBGR565_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int srcStep, uint16_t* pDst,
+                                                     int dstStep, VekSize roiSize);
+/** @} */
+
+/** @name Colour conversion, RGB to YCbCr
+ *  Rows of 8-bit samples, or of packed 16-bit pixels whose fields are widened by a shift alone. Interleaved 8-bit
+ * sources, on whole groups of 8 columns, and luma alone on all columns:
+ *
+ *      Y = clip((9798 R + 19235 G + 3736 B + 16266) >> 15)
+ *      Cb = clip((-5529 R - 10855 G + 16384 B + 4210688) >> 15),   Cr = clip((16384 R - 13720 G - 2664 B + 4210704) >>
+ * 15)
+ *
+ *  Their last width & 7 columns, and all columns of packed sources:
+ *
+ *      Y = clip((4899 R + 9617 G + 1868 B + 8192) >> 14)
+ *      Cb = clip((-2764 R - 5428 G + 8192 B + 2105344) >> 14),   Cr = clip((8192 R - 6860 G - 1332 B + 2105344) >> 14)
+ *
+ *  Planar sources and CMYK (R = 255 - C and so on, K unchanged), on the first width & ~3 columns:
+ *
+ *      Y = (19595 R + 38470 G + 7471 B + 32768) >> 16
+ *      Cb = clip(((B - Y) * 18491 + 4210688) >> 15),   Cr = clip(((R - Y) * 23373 + 4210688) >> 15)
+ *
+ *  and on the last width & 3 that Y and
+ *
+ *      Cb = (-11059 R - 21709 G + 32768 B + 8421375) >> 16,   Cr = (32768 R - 27439 G - 5329 B + 8421375) >> 16
+ *
+ *  Luma of planar sources: ((R * 0.299) + (G * 0.587)) + (B * 0.114) in single precision, every operation rounded, to
+ * the nearest integer with ties to even; the last width & 3 columns by the Q16 form.
+ *
+ *  Regions of more than 8192 pixels are shared among threads, but for packed and four-byte RGB pixels.
+ *  Results: vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (an array, a plane, an image),
+ * vekStsBadStep (a step below 1; not checked by the members with four-byte pixels), vekStsBadSize (a side below 1).
+ *  @{ */
+
+/** RGB planes to YCbCr planes. */
+VEK_API VekStatus vekiRGBToYCbCr_JPEG_8u_P3R(const uint8_t* const pSrc[3], int srcStep, uint8_t* const pDst[3],
+                                             int dstStep, VekSize roiSize);
+
+/** CMYK planes to YCCK planes. */
+VEK_API VekStatus vekiCMYKToYCCK_JPEG_8u_P4R(const uint8_t* const pSrc[4], int srcStep, uint8_t* const pDst[4],
+                                             int dstStep, VekSize roiSize);
+
+/** CMYK 4-byte pixels to YCCK planes. */
+VEK_API VekStatus vekiCMYKToYCCK_JPEG_8u_C4P4R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[4], int dstStep,
+                                               VekSize roiSize);
+
+/** RGB pixels to YCbCr planes. */
+VEK_API VekStatus vekiRGBToYCbCr_JPEG_8u_C3P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3], int dstStep,
+                                               VekSize roiSize);
+
+/** BGR pixels to YCbCr planes. */
+VEK_API VekStatus vekiBGRToYCbCr_JPEG_8u_C3P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3], int dstStep,
+                                               VekSize roiSize);
+
+/** RGB 4-byte pixels to YCbCr planes. */
+VEK_API VekStatus vekiRGBToYCbCr_JPEG_8u_C4P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3], int dstStep,
+                                               VekSize roiSize);
+
+/** BGR 4-byte pixels to YCbCr planes. */
+VEK_API VekStatus vekiBGRToYCbCr_JPEG_8u_C4P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3], int dstStep,
+                                               VekSize roiSize);
+
+/** RGB555 pixels to YCbCr planes. */
+VEK_API VekStatus vekiRGB555ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                     int dstStep, VekSize roiSize);
+
+/** BGR555 pixels to YCbCr planes. */
+VEK_API VekStatus vekiBGR555ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                     int dstStep, VekSize roiSize);
+
+/** RGB565 pixels to YCbCr planes. */
+VEK_API VekStatus vekiRGB565ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                     int dstStep, VekSize roiSize);
+
+/** BGR565 pixels to YCbCr planes. */
+VEK_API VekStatus vekiBGR565ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                     int dstStep, VekSize roiSize);
+
+/** RGB planes to Y one plane. */
+VEK_API VekStatus vekiRGBToY_JPEG_8u_P3C1R(const uint8_t* const pSrc[3], int srcStep, uint8_t* pDst, int dstStep,
+                                           VekSize roiSize);
+
+/** RGB pixels to Y one plane. */
+VEK_API VekStatus vekiRGBToY_JPEG_8u_C3C1R(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep,
+                                           VekSize roiSize);
+
+/** BGR pixels to Y one plane. */
+VEK_API VekStatus vekiBGRToY_JPEG_8u_C3C1R(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep,
+                                           VekSize roiSize);
+/** @} */
+
+/** @name Colour conversion with subsampled chroma
+ *  422: one Cb and one Cr for two columns; 411: one for two columns of two rows. Only whole groups are converted: an
+ * odd last column, or row (411), is left as it was, and the result is the warning vekStsOddSize. Each plane has its own
+ * step; no step is checked.
+ *
+ *  To pixels, in 16-bit arithmetic with high(a, k) = (a * k) >> 16, chroma replicated:
+ *
+ *      sample = clip(((Y << 4) + off) >> 4),   offR = high(Cr << 7, 11485) - 2863,   offB = high(Cb << 7, 14516) -
+ * 3621, offG = 2175 - (high(Cb << 7, 2819) + high(Cr << 7, 5850))
+ *
+ *  The stream Y0 Cb Y1 Cr follows this on its first width & ~7 columns, and the rounded Q16 form of YCbCr to RGB on the
+ * rest; regions of more than 8192 pixels of it are shared among threads.
+ *
+ *  From pixels, with Rs, Gs, Bs the sums over a group of n samples, on the first width & ~15 columns:
+ *
+ *      Y = (high(R << 8, 4899) + high(G << 8, 9617) + high(B << 8, 1868) + 32) >> 6
+ *      422:  Cb = clip((high(Bs << 6, 8192) - (high(Rs << 6, 2765) + high(Gs << 6, 5427)) + 4112) >> 5)
+ *            Cr = clip((high(Rs << 6, 8192) - (high(Gs << 6, 6860) + high(Bs << 6, 1332)) + 4112) >> 5)
+ *      411:  Cb = min(T, 255) with T = (8192 Bs - 5427 Gs - 2765 Rs + 8421376) >> 16
+ *            Cr = min(T, 255) with T = (8192 Rs - 6860 Gs - 1332 Bs + 8421376) >> 16
+ *
+ *  and on the rest Y = (4899 R + 9617 G + 1868 B + 8192) >> 14 with the low byte of such a T, in 422 for half the sums:
+ * there pure blue and pure red wrap to 0.
+ *
+ *  Results: vekStsOk, vekStsOddSize, or the first error that applies, with nothing written: vekStsNullPointer (an
+ * array, a plane, an image), vekStsBadSize (width below 2, height below 1, or below 2 for 411).
+ *  @{ */
+
+/** YCbCr422 planes to RGB pixels. */
+VEK_API VekStatus vekiYCbCr422ToRGB_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize);
+
+/** YCbCr422 planes to BGR pixels. */
+VEK_API VekStatus vekiYCbCr422ToBGR_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize);
+
+/** YCbCr411 planes to RGB pixels. */
+VEK_API VekStatus vekiYCbCr411ToRGB_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize);
+
+/** YCbCr411 planes to BGR pixels. */
+VEK_API VekStatus vekiYCbCr411ToBGR_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize);
+
+/** YCbCr422 planes to RGB 4-byte pixels. */
+VEK_API VekStatus vekiYCbCr422ToRGB_JPEG_8u_P3C4R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize, uint8_t aval);
+
+/** YCbCr422 planes to BGR 4-byte pixels. */
+VEK_API VekStatus vekiYCbCr422ToBGR_JPEG_8u_P3C4R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize, uint8_t aval);
+
+/** YCbCr411 planes to RGB 4-byte pixels. */
+VEK_API VekStatus vekiYCbCr411ToRGB_JPEG_8u_P3C4R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize, uint8_t aval);
+
+/** YCbCr411 planes to BGR 4-byte pixels. */
+VEK_API VekStatus vekiYCbCr411ToBGR_JPEG_8u_P3C4R(const uint8_t* const pSrc[3], const int srcStep[3], uint8_t* pDst,
+                                                  int dstStep, VekSize roiSize, uint8_t aval);
+
+/** RGB pixels to YCbCr422 planes. */
+VEK_API VekStatus vekiRGBToYCbCr422_JPEG_8u_C3P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** BGR pixels to YCbCr422 planes. */
+VEK_API VekStatus vekiBGRToYCbCr422_JPEG_8u_C3P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** RGB 4-byte pixels to YCbCr422 planes. */
+VEK_API VekStatus vekiRGBToYCbCr422_JPEG_8u_C4P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** BGR 4-byte pixels to YCbCr422 planes. */
+VEK_API VekStatus vekiBGRToYCbCr422_JPEG_8u_C4P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** RGB pixels to YCbCr411 planes. */
+VEK_API VekStatus vekiRGBToYCbCr411_JPEG_8u_C3P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** BGR pixels to YCbCr411 planes. */
+VEK_API VekStatus vekiBGRToYCbCr411_JPEG_8u_C3P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** RGB 4-byte pixels to YCbCr411 planes. */
+VEK_API VekStatus vekiRGBToYCbCr411_JPEG_8u_C4P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** BGR 4-byte pixels to YCbCr411 planes. */
+VEK_API VekStatus vekiBGRToYCbCr411_JPEG_8u_C4P3R(const uint8_t* pSrc, int srcStep, uint8_t* const pDst[3],
+                                                  const int dstStep[3], VekSize roiSize);
+
+/** YCbCr422 a Y0 Cb Y1 Cr stream to RGB pixels. */
+VEK_API VekStatus vekiYCbCr422ToRGB_JPEG_8u_C2C3R(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep,
+                                                  VekSize roiSize);
+/** @} */
+
 #endif
