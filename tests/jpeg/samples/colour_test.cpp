@@ -1,4 +1,5 @@
-// Every row-wise colour conversion against its model: all widths, steps with gaps, planes that end at unmapped pages, any address.
+// Every row-wise colour conversion against its model: all widths, steps with gaps, planes that end at unmapped pages,
+// any address.
 #include <gtest/gtest.h>
 #include <omp.h>
 
@@ -142,7 +143,8 @@ constexpr Member members[] = {
 };
 static_assert(std::size(members) == 42);
 
-// The planes of one image; each ends at an unmapped page, or some bytes before it. Chroma planes of a subsampled image are smaller.
+// The planes of one image; each ends at an unmapped page, or some bytes before it. Chroma planes of a subsampled image
+// are smaller.
 class Image {
 public:
     Image(int planes, int bytes, int chromaRows, VekSize size, Random& random)

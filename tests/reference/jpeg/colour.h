@@ -17,7 +17,8 @@ Triple toYcc(Forward form, int r, int g, int b);
 
 int lumaInSinglePrecision(int r, int g, int b);
 
-// Of subsampled output, in the body of a row and in its tail: luma of a pixel, and chroma of the sums over `samples` pixels.
+// Of subsampled output, in the body of a row and in its tail: luma of a pixel, and chroma of the sums over `samples`
+// pixels.
 int subsampledLuma(bool body, int r, int g, int b);
 std::array<int, 2> subsampledChroma(bool body, int samples, int r, int g, int b);
 
