@@ -1,0 +1,219 @@
+// The sequential Huffman coder on a drawn picture's quantised blocks, beside the packaged JPEG library's decoder of coefficients and
+// its encoder of coefficients, on the same blocks and tables.
+#include <benchmark/benchmark.h>
+#include <stdio.h>  // jpeglib.h wants FILE
+
+#include <jpeglib.h>
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <tuple>
+#include <vector>
+
+#include "support/plane.h"
+#include "vekj.h"
+
+namespace {
+
+using support::AlignedArray;
+
+constexpr int blocksPerRow = 64;
+constexpr int blockRows = 64;
+constexpr int blockCount = blocksPerRow * blockRows;
+constexpr int pictureWidth = 8 * blocksPerRow;
+constexpr int pictureHeight = 8 * blockRows;
+
+// A grey picture with smooth shades, edges and some noise, as a JPEG file of the packaged library.
+std::vector<uint8_t> greyFile(int quality)
+{
+    std::vector<uint8_t> pixels(static_cast<size_t>(pictureWidth) * pictureHeight);
+    std::mt19937 engine(1);
+    for (int y = 0; y < pictureHeight; ++y)
+        for (int x = 0; x < pictureWidth; ++x) {
+            const double shade =
+                110 + 60 * std::sin(x / 37.0) * std::cos(y / 23.0) + ((x / 48 + y / 40) % 3 == 0 ? 40 : 0);
+            pixels[static_cast<size_t>(y * pictureWidth + x)] =
+                static_cast<uint8_t>(shade + static_cast<int>(engine() % 13));
+        }
+    jpeg_compress_struct c;
+    jpeg_error_mgr errors;
+    c.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&c);
+    unsigned char* bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&c, &bytes, &size);
+    c.image_width = pictureWidth;
+    c.image_height = pictureHeight;
+    c.input_components = 1;
+    c.in_color_space = JCS_GRAYSCALE;
+    jpeg_set_defaults(&c);
+    jpeg_set_quality(&c, quality, TRUE);
+    jpeg_start_compress(&c, TRUE);
+    while (c.next_scanline < c.image_height) {
+        JSAMPROW row = pixels.data() + static_cast<size_t>(c.next_scanline) * pictureWidth;
+        jpeg_write_scanlines(&c, &row, 1);
+    }
+    jpeg_finish_compress(&c);
+    std::vector<uint8_t> file(bytes, bytes + size);
+    jpeg_destroy_compress(&c);
+    free(bytes);
+    return file;
+}
+
+// What a file holds: its blocks in order, its entropy-coded segment, and its tables for our coder.
+struct Coded {
+    std::vector<uint8_t> file;
+    AlignedArray<int16_t> blocks{64 * blockCount};
+    std::vector<uint8_t> segment;
+    AlignedArray<uint64_t> encodeDc{128}, encodeAc{128}, decodeDc{206}, decodeAc{206};
+
+    explicit Coded(int quality) : file(greyFile(quality))
+    {
+        jpeg_decompress_struct d;
+        jpeg_error_mgr errors;
+        d.err = jpeg_std_error(&errors);
+        jpeg_create_decompress(&d);
+        jpeg_mem_src(&d, file.data(), file.size());
+        jpeg_read_header(&d, TRUE);
+        for (auto [table, encode, decode] : {std::tuple(d.dc_huff_tbl_ptrs[0], encodeDc.data(), decodeDc.data()),
+                                             std::tuple(d.ac_huff_tbl_ptrs[0], encodeAc.data(), decodeAc.data())}) {
+            vekiEncodeHuffmanSpecInit_JPEG_8u(table->bits + 1, table->huffval,
+                                              reinterpret_cast<VekEncodeHuffmanSpec*>(encode));
+            vekiDecodeHuffmanSpecInit_JPEG_8u(table->bits + 1, table->huffval,
+                                              reinterpret_cast<VekDecodeHuffmanSpec*>(decode));
+        }
+        jvirt_barray_ptr* const arrays = jpeg_read_coefficients(&d);
+        for (int y = 0; y < blockRows; ++y) {
+            JBLOCKARRAY row = d.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&d), arrays[0],
+                                                        static_cast<JDIMENSION>(y), 1, FALSE);
+            for (int x = 0; x < blocksPerRow; ++x)
+                for (int i = 0; i < 64; ++i)
+                    blocks[static_cast<size_t>((y * blocksPerRow + x) * 64 + i)] = row[0][x][i];
+        }
+        jpeg_finish_decompress(&d);
+        jpeg_destroy_decompress(&d);
+        segment.resize(1U << 20);
+        segment.resize(static_cast<size_t>(encode(segment)));
+        segment.insert(segment.end(), {0xFF, 0xD9});
+    }
+    const VekEncodeHuffmanSpec* dcCodes() { return reinterpret_cast<VekEncodeHuffmanSpec*>(encodeDc.data()); }
+    const VekEncodeHuffmanSpec* acCodes() { return reinterpret_cast<VekEncodeHuffmanSpec*>(encodeAc.data()); }
+    const VekDecodeHuffmanSpec* dcTable() { return reinterpret_cast<VekDecodeHuffmanSpec*>(decodeDc.data()); }
+    const VekDecodeHuffmanSpec* acTable() { return reinterpret_cast<VekDecodeHuffmanSpec*>(decodeAc.data()); }
+
+    int encode(std::vector<uint8_t>& dst)
+    {
+        AlignedArray<uint64_t> memory(131);
+        auto* const state = reinterpret_cast<VekEncodeHuffmanState*>(memory.data());
+        vekiEncodeHuffmanStateInit_JPEG_8u(state);
+        int position = 0;
+        int16_t dc = 0;
+        const int room = static_cast<int>(dst.size());
+        for (size_t i = 0; i < blockCount; ++i)
+            vekiEncodeHuffman8x8_JPEG_16s1u_C1(blocks.data() + 64 * i, dst.data(), room, &position, &dc, dcCodes(),
+                                               acCodes(), state, 0);
+        vekiEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, dst.data(), room, &position, nullptr, nullptr, nullptr, state, 1);
+        return position;
+    }
+};
+
+void BM_vekiEncodeHuffman8x8_JPEG_16s1u_C1(benchmark::State& state)
+{
+    Coded coded(static_cast<int>(state.range(0)));
+    std::vector<uint8_t> dst(coded.segment.size() + 64);
+    for (auto _ : state) benchmark::DoNotOptimize(coded.encode(dst));
+    state.SetItemsProcessed(state.iterations() * blockCount);
+}
+BENCHMARK(BM_vekiEncodeHuffman8x8_JPEG_16s1u_C1)->ArgName("quality")->Arg(75)->Arg(90);
+
+void BM_vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(benchmark::State& state)
+{
+    Coded coded(static_cast<int>(state.range(0)));
+    std::vector<uint8_t> dst(coded.segment.size() + 64);
+    for (auto _ : state) {
+        int bits = 0;
+        int16_t dc = 0;
+        for (size_t i = 0; i < blockCount; ++i)
+            vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(coded.blocks.data() + 64 * i, dst.data(), &bits, &dc,
+                                                      coded.dcCodes(), coded.acCodes());
+        benchmark::DoNotOptimize(bits);
+    }
+    state.SetItemsProcessed(state.iterations() * blockCount);
+}
+BENCHMARK(BM_vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1)->ArgName("quality")->Arg(75)->Arg(90);
+
+void BM_vekiGetHuffmanStatistics8x8_JPEG_16s_C1(benchmark::State& state)
+{
+    Coded coded(static_cast<int>(state.range(0)));
+    std::array<int, 256> dcCounts{};
+    std::array<int, 256> acCounts{};
+    int16_t dc = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < blockCount; ++i)
+            benchmark::DoNotOptimize(vekiGetHuffmanStatistics8x8_JPEG_16s_C1(coded.blocks.data() + 64 * i,
+                                                                             dcCounts.data(), acCounts.data(), &dc));
+    state.SetItemsProcessed(state.iterations() * blockCount);
+}
+BENCHMARK(BM_vekiGetHuffmanStatistics8x8_JPEG_16s_C1)->ArgName("quality")->Arg(75)->Arg(90);
+
+void BM_vekiDecodeHuffman8x8_JPEG_1u16s_C1(benchmark::State& state)
+{
+    Coded coded(static_cast<int>(state.range(0)));
+    AlignedArray<int16_t> blocks(64 * blockCount);
+    AlignedArray<uint64_t> memory(3);
+    auto* const reader = reinterpret_cast<VekDecodeHuffmanState*>(memory.data());
+    for (auto _ : state) {
+        vekiDecodeHuffmanStateInit_JPEG_8u(reader);
+        int position = 0;
+        int marker = 0;
+        int16_t dc = 0;
+        for (size_t i = 0; i < blockCount; ++i)
+            vekiDecodeHuffman8x8_JPEG_1u16s_C1(coded.segment.data(), static_cast<int>(coded.segment.size()), &position,
+                                               blocks.data() + 64 * i, &dc, &marker, coded.dcTable(), coded.acTable(),
+                                               reader);
+        benchmark::DoNotOptimize(position);
+    }
+    state.SetItemsProcessed(state.iterations() * blockCount);
+}
+BENCHMARK(BM_vekiDecodeHuffman8x8_JPEG_1u16s_C1)->ArgName("quality")->Arg(75)->Arg(90);
+
+void BM_vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(benchmark::State& state)
+{
+    Coded coded(static_cast<int>(state.range(0)));
+    AlignedArray<int16_t> blocks(64 * blockCount);
+    for (auto _ : state) {
+        int bits = 0;
+        int marker = 0;
+        int16_t dc = 0;
+        uint32_t prefetched = 0;
+        int numPrefetched = 0;
+        for (size_t i = 0; i < blockCount; ++i)
+            vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(coded.segment.data(), &bits, blocks.data() + 64 * i, &dc, &marker,
+                                                      &prefetched, &numPrefetched, coded.dcTable(), coded.acTable());
+        benchmark::DoNotOptimize(bits);
+    }
+    state.SetItemsProcessed(state.iterations() * blockCount);
+}
+BENCHMARK(BM_vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1)->ArgName("quality")->Arg(75)->Arg(90);
+
+// The whole file, headers included, to coefficients.
+void BM_peer_read_coefficients(benchmark::State& state)
+{
+    const std::vector<uint8_t> file = greyFile(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        jpeg_decompress_struct d;
+        jpeg_error_mgr errors;
+        d.err = jpeg_std_error(&errors);
+        jpeg_create_decompress(&d);
+        jpeg_mem_src(&d, file.data(), file.size());
+        jpeg_read_header(&d, TRUE);
+        benchmark::DoNotOptimize(jpeg_read_coefficients(&d));
+        jpeg_destroy_decompress(&d);
+    }
+    state.SetItemsProcessed(state.iterations() * blockCount);
+}
+BENCHMARK(BM_peer_read_coefficients)->ArgName("quality")->Arg(75)->Arg(90);
+
+}  // namespace
