@@ -1,5 +1,5 @@
-// The sequential Huffman coder on a drawn picture's quantised blocks, beside the packaged JPEG library's decoder of coefficients and
-// its encoder of coefficients, on the same blocks and tables.
+// The sequential Huffman coder on a drawn picture's quantised blocks; its decoder beside the packaged JPEG library's
+// reading of the same file's coefficients.
 #include <benchmark/benchmark.h>
 #include <stdio.h>  // jpeglib.h wants FILE
 
