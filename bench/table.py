@@ -33,12 +33,12 @@ def in_order(name):
 
 
 def read_pairs():
-    """by function, its peers: (peer, promised ratio or None)"""
+    """by function, its peers: peer, promised ratio, and how the arguments begin for which it is promised"""
     pairs = {}
     for line in (pathlib.Path(__file__).parent / "pairs.txt").read_text(encoding="utf-8").splitlines():
         words = line.split("#")[0].split()
         if words:
-            pairs.setdefault(words[0], []).append((words[1], words[2] if len(words) > 2 else None))
+            pairs.setdefault(words[0], []).append((words[1], *(words[2:] or [None, None])))
     return pairs
 
 
@@ -54,7 +54,7 @@ def time_of_peer(times, peer, arguments):
 def rows(times):
     """function, arguments, time, peer, peer's time, promised ratio; the last three are None where there is no peer"""
     pairs = read_pairs()
-    peers = {peer for several in pairs.values() for peer, _ in several}
+    peers = {peer for several in pairs.values() for peer, *_ in several}
     result = []
     for name, time in times.items():
         function, _, arguments = name.removeprefix("BM_").partition("/")
@@ -62,8 +62,9 @@ def rows(times):
             if function not in peers:
                 print(f"{function} is nobody's peer in pairs.txt", file=sys.stderr)
             continue
-        beside = [(function, arguments, time, peer, time_of_peer(times, peer, arguments), promise)
-                  for peer, promise in pairs.get(function, [])]
+        beside = [(function, arguments, time, peer, time_of_peer(times, peer, arguments),
+                   ratio if ratio and arguments.startswith(where) else None)
+                  for peer, ratio, where in pairs.get(function, [])]
         result += [row for row in beside if row[4]] or [(function, arguments, time, None, None, None)]
     return result
 
@@ -79,16 +80,16 @@ def markdown(run, promised_only):
     context = run["context"]
     machine = f"{context['num_cpus']} processors of {context['mhz_per_cpu']} MHz"
     lines = [f"{context['date'][:10]}, x86-64, {machine}.", "",
-             "| Function | Arguments | Time | Peer | Its time | Ratio | Promised |",
-             "| --- | --- | ---: | --- | ---: | ---: | ---: |"]
+             "|Function|Arguments|Time|Peer|Its time|Ratio|Promised|",
+             "|---|---|---:|---|---:|---:|---:|"]
     for function, arguments, time, peer, peer_time, promise in rows(median_times(run)):
         if promised_only and not promise:
             continue
         if peer:
-            lines.append(f"| `{function}` | {arguments} | {in_words(time)} | {peer.removeprefix('peer_')} | "
-                         f"{in_words(peer_time)} | {peer_time / time:.2f} | {promise or ''} |")
+            lines.append(f"|`{function}`|{arguments}|{in_words(time)}|{peer.removeprefix('peer_')}|"
+                         f"{in_words(peer_time)}|{peer_time / time:.2f}|{promise or ''}|")
         else:
-            lines.append(f"| `{function}` | {arguments} | {in_words(time)} | | | | |")
+            lines.append(f"|`{function}`|{arguments}|{in_words(time)}|||||")
     return "\n".join(lines) + "\n"
 
 

@@ -22,7 +22,8 @@ cmake -S . -B build/bench-build -G Ninja -DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMP
   { cat build/bench-build.log; exit 1; }
 ninja -C build/bench-build --quiet vekjp_bench
 # The chosen functions bring their peers with them.
-peers=$(awk -v filter="$filter" '!/^#/ && $1 ~ filter {print $2}' bench/pairs.txt | sort -u | paste -sd '|')
+peers=$(awk -v filter="$filter" '!/^#/ && NF && ("BM_" $1 "/") ~ filter {print $2}' bench/pairs.txt |
+  sort -u | paste -sd '|')
 [[ -z $peers ]] || filter="$filter|^BM_($peers)(/|\$)"
 # Three interleaved rounds, of which the median counts: neighbours on the machine disturb all alike.
 OMP_NUM_THREADS=1 build/bench-build/bench/vekjp_bench --benchmark_filter="$filter" --benchmark_min_time="$min_time" \
