@@ -47,7 +47,7 @@ private:
 };
 
 struct Table {
-    VekDecodeHuffmanSpec spec{};
+    VekDecodeHuffmanSpec object{};
     model::DecodeTable expected{};
     bool valid = false;
 };
@@ -62,7 +62,7 @@ Table readTable(Bytes& bytes)
     }
     for (int i = 0; i < std::min(symbols, 256); ++i) lists.vals[static_cast<size_t>(i)] = bytes.next();
     Table table;
-    const VekStatus status = vekiDecodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.vals.data(), &table.spec);
+    const VekStatus status = vekiDecodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.vals.data(), &table.object);
     require(status == model::buildDecodeTable(lists, table.expected));
     table.valid = status == vekStsOk;
     return table;
@@ -78,7 +78,7 @@ struct Sequential {
     VekStatus decode(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable)
     {
         return vekiDecodeHuffman8x8_JPEG_1u16s_C1(stream.data(), static_cast<int>(stream.size()), &position,
-                                                  block.data(), &dc, &marker, &dcTable.spec, &acTable.spec, &state);
+                                                  block.data(), &dc, &marker, &dcTable.object, &acTable.object, &state);
     }
 };
 
@@ -93,7 +93,7 @@ struct Direct {
     VekStatus decode(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable)
     {
         return vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(stream.data(), &bitPosition, block.data(), &dc, &marker,
-                                                         &prefetched, &numPrefetched, &dcTable.spec, &acTable.spec);
+                                                         &prefetched, &numPrefetched, &dcTable.object, &acTable.object);
     }
 };
 

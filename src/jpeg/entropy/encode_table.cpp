@@ -10,15 +10,15 @@ namespace q3 {
 namespace {
 
 // Codes by ITU T.81, Annex C. A code that uses up the space of its length is refused: the all-ones code is not for use.
-VekStatus build(const uint8_t* pListBits, const uint8_t* pListVals, VekEncodeHuffmanSpec& spec)
+VekStatus build(const uint8_t* pListBits, const uint8_t* pListVals, VekEncodeHuffmanSpec& object)
 {
     VEK_CHECK(countCodes(pListBits) >= 0, vekStsJpegHuffmanTable);
-    std::memset(&spec, 0, sizeof spec);
+    std::memset(&object, 0, sizeof object);
     uint32_t code = 0;
     int index = 0;
     for (uint32_t length = 1; length <= maxCodeLength; ++length) {
         for (int i = 0; i < pListBits[length - 1]; ++i)
-            spec.codes[pListVals[index++]] = length << 16 | (code++ & 0xFFFF);
+            object.codes[pListVals[index++]] = length << 16 | (code++ & 0xFFFF);
         VEK_CHECK(code < 1U << length, vekStsJpegHuffmanTable);
         code <<= 1;
     }
@@ -49,10 +49,10 @@ VekStatus vekiEncodeHuffmanSpecInitAlloc_JPEG_8u(const uint8_t* pListBits, const
     VEK_CHECK_POINTER(pListBits);
     VEK_CHECK_POINTER(pListVals);
     VEK_CHECK_POINTER(ppEncHuffSpec);
-    auto* const spec = reinterpret_cast<VekEncodeHuffmanSpec*>(veksMalloc_8u(sizeof(VekEncodeHuffmanSpec)));
-    VEK_CHECK_POINTER(spec);
-    *ppEncHuffSpec = spec;  // delivered even if the lists turn out bad: the caller frees it
-    return build(pListBits, pListVals, *spec);
+    auto* const object = reinterpret_cast<VekEncodeHuffmanSpec*>(veksMalloc_8u(sizeof(VekEncodeHuffmanSpec)));
+    VEK_CHECK_POINTER(object);
+    *ppEncHuffSpec = object;  // delivered even if the lists turn out bad: the caller frees it
+    return build(pListBits, pListVals, *object);
 }
 
 VekStatus vekiEncodeHuffmanSpecFree_JPEG_8u(VekEncodeHuffmanSpec* pEncHuffSpec)

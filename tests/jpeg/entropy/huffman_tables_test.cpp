@@ -16,31 +16,31 @@ void expectDecodeTable(const HuffmanLists& l)
     GuardedArray<uint8_t> vals(256);
     std::copy(l.bits.begin(), l.bits.end(), bits.begin());
     std::copy(l.vals.begin(), l.vals.end(), vals.begin());
-    GuardedArray<VekDecodeHuffmanSpec> spec(1);
+    GuardedArray<VekDecodeHuffmanSpec> object(1);
     model::DecodeTable expected;
     const VekStatus status = model::buildDecodeTable(l, expected);
-    ASSERT_EQ(status, vekiDecodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), spec.data()));
+    ASSERT_EQ(status, vekiDecodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), object.data()));
     if (status != vekStsOk)
         return;
     size_t symbols = 0;
     for (const uint8_t count : l.bits) symbols += count;
-    EXPECT_EQ(0, std::memcmp(expected.symbols.data(), spec[0].symbols, 2 * symbols));
-    EXPECT_EQ(0, std::memcmp(expected.lookup.data(), spec[0].lookup, sizeof spec[0].lookup));
-    EXPECT_EQ(0, std::memcmp(expected.minCode.data(), spec[0].minCode, sizeof spec[0].minCode));
-    EXPECT_EQ(0, std::memcmp(expected.maxCode.data(), spec[0].maxCode, sizeof spec[0].maxCode));
-    EXPECT_EQ(0, std::memcmp(expected.valPtr.data(), spec[0].valPtr, sizeof spec[0].valPtr));
+    EXPECT_EQ(0, std::memcmp(expected.symbols.data(), object[0].symbols, 2 * symbols));
+    EXPECT_EQ(0, std::memcmp(expected.lookup.data(), object[0].lookup, sizeof object[0].lookup));
+    EXPECT_EQ(0, std::memcmp(expected.minCode.data(), object[0].minCode, sizeof object[0].minCode));
+    EXPECT_EQ(0, std::memcmp(expected.maxCode.data(), object[0].maxCode, sizeof object[0].maxCode));
+    EXPECT_EQ(0, std::memcmp(expected.valPtr.data(), object[0].valPtr, sizeof object[0].valPtr));
 }
 
 void expectEncodeTable(const HuffmanLists& l)
 {
-    GuardedArray<VekEncodeHuffmanSpec> spec(1);
-    std::memset(spec.data(), 0xA5, sizeof(VekEncodeHuffmanSpec));
+    GuardedArray<VekEncodeHuffmanSpec> object(1);
+    std::memset(object.data(), 0xA5, sizeof(VekEncodeHuffmanSpec));
     model::EncodeTable expected;
     const VekStatus status = model::buildEncodeTable(l, expected);
-    ASSERT_EQ(status, vekiEncodeHuffmanSpecInit_JPEG_8u(l.bits.data(), l.vals.data(), spec.data()));
+    ASSERT_EQ(status, vekiEncodeHuffmanSpecInit_JPEG_8u(l.bits.data(), l.vals.data(), object.data()));
     if (status != vekStsOk)
         return;
-    EXPECT_EQ(0, std::memcmp(expected.data(), spec[0].codes, sizeof spec[0].codes));
+    EXPECT_EQ(0, std::memcmp(expected.data(), object[0].codes, sizeof object[0].codes));
 }
 
 TEST(HuffmanTables, ReportTheirSizes)
