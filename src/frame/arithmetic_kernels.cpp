@@ -21,6 +21,12 @@ inline uint16_t quotient(uint16_t value, uint16_t divisor)
     return static_cast<uint16_t>(q);
 }
 
+// quotient() of eight 32-bit divisors other than 0
+inline __m256i quotients(__m256 value, __m256i divisors)
+{
+    return _mm256_cvtps_epi32(_mm256_div_ps(value, _mm256_cvtepi32_ps(divisors)));
+}
+
 // x * t / 32768, to the nearest integer with ties to even, saturated; x signed, t unsigned, 16 lanes.
 //   r = mulhrs(x, t as signed) rounds ties up: a tie that went to an odd number goes back by one
 //   t >= 32768 reads as t - 65536: 2 x is missing, an even number, which leaves the ties as they are
@@ -39,8 +45,21 @@ inline __m256i mulQ15TiesToEven(__m256i x, __m256i t)
 
 VekStatus ownveksDivCRev_16u(const uint16_t* pSrc, uint16_t value, uint16_t* pDst, int len)
 {
-    bool zeroSeen = false;
-    for (int i = 0; i < len; ++i) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256 value32f = _mm256_set1_ps(static_cast<float>(value));
+    __m256i zeros = zero;
+    int i = 0;
+    for (; i + 16 <= len; i += 16) {
+        const __m256i d = loadU(pSrc + i);
+        const __m256i isZero = _mm256_cmpeq_epi16(d, zero);
+        const __m256i divisors = _mm256_sub_epi16(d, isZero);  // 1 for 0: a division by it may trap
+        const __m256i low = quotients(value32f, _mm256_unpacklo_epi16(divisors, zero));
+        const __m256i high = quotients(value32f, _mm256_unpackhi_epi16(divisors, zero));
+        storeU(pDst + i, _mm256_or_si256(_mm256_packus_epi32(low, high), isZero));
+        zeros = _mm256_or_si256(zeros, isZero);
+    }
+    bool zeroSeen = _mm256_testz_si256(zeros, zeros) == 0;
+    for (; i < len; ++i) {
         const auto d = loadScalar<uint16_t>(pSrc + i);
         zeroSeen |= d == 0;
         storeScalar(pDst + i, d == 0 ? uint16_t{65535} : quotient(value, d));

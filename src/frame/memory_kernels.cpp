@@ -43,8 +43,7 @@ uint8_t* ownsCopy_8u_repE9(const uint8_t* pSrc, uint8_t* pDst, int64_t len)
     return pDst;
 }
 
-// Bytes of a 32-byte pattern whose period divides `unit`, in 64-byte steps past the cache. The ends are ordinary
-// stores.
+// Vectors of one repeated byte in 64-byte steps past the cache; at least 64 bytes. The ends are ordinary stores.
 void fillPastCache(uint8_t* pDst, int64_t len, __m256i pattern)
 {
     const int64_t head = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(pDst) & 63);
