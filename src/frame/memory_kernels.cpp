@@ -30,6 +30,16 @@ bool reachesCache(int64_t length)
 uint8_t* ownsCopy_8u_AVX(const uint8_t* pSrc, uint8_t* pDst, int64_t len)
 {
     int64_t i = 0;
+    for (; i + 128 <= len; i += 128) {
+        const __m256i a = loadU(pSrc + i);
+        const __m256i b = loadU(pSrc + i + 32);
+        const __m256i c = loadU(pSrc + i + 64);
+        const __m256i d = loadU(pSrc + i + 96);
+        storeU(pDst + i, a);
+        storeU(pDst + i + 32, b);
+        storeU(pDst + i + 64, c);
+        storeU(pDst + i + 96, d);
+    }
     for (; i + 32 <= len; i += 32) storeU(pDst + i, loadU(pSrc + i));
     std::memcpy(pDst + i, pSrc + i, static_cast<size_t>(len - i));
     return pDst;
