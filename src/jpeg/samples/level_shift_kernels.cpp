@@ -6,6 +6,17 @@
 #include "frame/vec.h"
 
 namespace q3 {
+namespace {
+
+// The processor's own prefetching stops at the end of a page; ordinary stores to a line that is not there wait for it.
+// A prefetch beyond the rows is no access.
+inline void prefetchAhead(const void* p)
+{
+    constexpr uintptr_t distance = 2048;
+    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(p) + distance), _MM_HINT_T0);
+}
+
+}  // namespace
 
 void ownjc_Sub128_JPEG_8u16s_C1(const uint8_t* pSrc, int16_t* pDst, int len)
 {
@@ -13,6 +24,9 @@ void ownjc_Sub128_JPEG_8u16s_C1(const uint8_t* pSrc, int16_t* pDst, int len)
     const auto shifted = [&](int i) { return _mm256_sub_epi16(_mm256_cvtepu8_epi16(loadU128(pSrc + i)), bias); };
     int i = 0;
     for (; i + 64 <= len; i += 64) {
+        prefetchAhead(pSrc + i);
+        prefetchAhead(pDst + i);
+        prefetchAhead(pDst + i + 32);
         storeU(pDst + i, shifted(i));
         storeU(pDst + i + 16, shifted(i + 16));
         storeU(pDst + i + 32, shifted(i + 32));
@@ -26,11 +40,19 @@ void ownjc_Add128_JPEG_16s8u_C1(const int16_t* pSrc, uint8_t* pDst, int len)
 {
     // Saturated to a signed byte, then the sign bit turned: that is the sum clipped to 0 .. 255.
     const __m256i signBit = _mm256_set1_epi8(-128);
-    int i = 0;
-    for (; i + 32 <= len; i += 32) {
+    const auto shifted = [&](int i) {
         const __m256i bytes = _mm256_packs_epi16(loadU(pSrc + i), loadU(pSrc + i + 16));
-        storeU(pDst + i, _mm256_xor_si256(_mm256_permute4x64_epi64(bytes, 0xD8), signBit));
+        return _mm256_xor_si256(_mm256_permute4x64_epi64(bytes, 0xD8), signBit);
+    };
+    int i = 0;
+    for (; i + 64 <= len; i += 64) {
+        prefetchAhead(pSrc + i);
+        prefetchAhead(pSrc + i + 32);
+        prefetchAhead(pDst + i);
+        storeU(pDst + i, shifted(i));
+        storeU(pDst + i + 32, shifted(i + 32));
     }
+    for (; i + 32 <= len; i += 32) storeU(pDst + i, shifted(i));
     for (; i < len; ++i) pDst[i] = static_cast<uint8_t>(std::clamp(loadScalar<int16_t>(pSrc + i) + 128, 0, 255));
 }
 
