@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "jpeg/coefficient_store.h"
 #include "jpeg/marker_reader.h"
 
 namespace vekpix::jpeg {
@@ -20,15 +21,17 @@ struct Picture {
     ColourModel colours = ColourModel::Grey;
     bool inverted = false;  // four components as Adobe's programs write them: 255 is no ink
     std::vector<Scan> scans;
+    std::shared_ptr<const CoefficientStore> stored;  // if bands are to be made from it, not from the scans
 
-    int mcusPerRow() const;
-    int mcuRows() const;
-    // Samples of a component without the blocks' padding (T.81, A.1.1).
-    int componentWidth(size_t index) const;
-    int componentHeight(size_t index) const;
+    int mcusPerRow() const { return frame.mcusPerRow(); }
+    int mcuRows() const { return frame.mcuRows(); }
+    int componentWidth(size_t index) const { return frame.componentWidth(index); }
+    int componentHeight(size_t index) const { return frame.componentHeight(index); }
+    // The steps in force when a component's first scan began; null if it has no scan.
+    const QuantSteps* quantSteps(size_t index) const;
+    // The library's table of them: of ones if the component has no scan, and thus no coefficients.
+    void quantTable(size_t index, uint16_t* table) const;
 };
-
-inline int divideUp(int dividend, int divisor) { return (dividend + divisor - 1) / divisor; }
 
 class BandSource {
 public:

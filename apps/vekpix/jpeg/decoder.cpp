@@ -60,18 +60,21 @@ Picture readHeaders(std::span<const uint8_t> file)
 
 }  // namespace
 
-int Picture::mcusPerRow() const { return divideUp(frame.width, 8 * frame.maxHorizontalSampling()); }
-
-int Picture::mcuRows() const { return divideUp(frame.height, 8 * frame.maxVerticalSampling()); }
-
-int Picture::componentWidth(size_t index) const
+const QuantSteps* Picture::quantSteps(size_t index) const
 {
-    return divideUp(frame.width * frame.components[index].horizontalSampling, frame.maxHorizontalSampling());
+    for (const Scan& scan : scans)
+        for (const ScanComponent& component : scan.components)
+            if (static_cast<size_t>(component.index) == index)
+                return component.quantSteps.get();
+    return nullptr;
 }
 
-int Picture::componentHeight(size_t index) const
+void Picture::quantTable(size_t index, uint16_t* table) const
 {
-    return divideUp(frame.height * frame.components[index].verticalSampling, frame.maxVerticalSampling());
+    if (const QuantSteps* steps = quantSteps(index))
+        vekiQuantInvTableInit_JPEG_8u16u(steps->data(), table);
+    else
+        std::fill_n(table, 64, uint16_t{1});
 }
 
 Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)

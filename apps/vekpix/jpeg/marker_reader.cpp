@@ -137,6 +137,20 @@ int Frame::maxVerticalSampling() const
     return most;
 }
 
+int Frame::mcusPerRow() const { return divideUp(width, 8 * maxHorizontalSampling()); }
+
+int Frame::mcuRows() const { return divideUp(height, 8 * maxVerticalSampling()); }
+
+int Frame::componentWidth(size_t index) const
+{
+    return divideUp(width * components[index].horizontalSampling, maxHorizontalSampling());
+}
+
+int Frame::componentHeight(size_t index) const
+{
+    return divideUp(height * components[index].verticalSampling, maxVerticalSampling());
+}
+
 MarkerReader::MarkerReader(std::span<const uint8_t> file, SegmentListener listener)
     : file_(file), listener_(std::move(listener))
 {

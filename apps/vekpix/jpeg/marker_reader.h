@@ -21,6 +21,8 @@ constexpr int maxComponents = 4;
 constexpr int tableSlots = 4;       // per table class: quantisation, DC, AC
 constexpr int maxBlocksInMcu = 10;  // T.81, B.2.3
 
+inline int divideUp(int dividend, int divisor) { return (dividend + divisor - 1) / divisor; }
+
 // 64 steps in zig-zag order, as a DQT segment carries them.
 using QuantSteps = std::array<uint8_t, 64>;
 
@@ -52,6 +54,11 @@ struct Frame {
 
     int maxHorizontalSampling() const;
     int maxVerticalSampling() const;
+    int mcusPerRow() const;
+    int mcuRows() const;
+    // Samples of a component without the blocks' padding (T.81, A.1.1).
+    int componentWidth(size_t index) const;
+    int componentHeight(size_t index) const;
 };
 
 // One component of a scan with the tables that were in force when the scan began.

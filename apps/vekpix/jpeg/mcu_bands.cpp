@@ -4,6 +4,8 @@
 // Two threads and more share the work in one of two ways. If the restart markers divide the scan into stripes of whole
 // MCU rows, each thread decodes stripes of its own. Otherwise one thread decodes the coefficients of a group of MCU
 // rows while the others turn those of the group before it into pixels.
+//
+// Coefficients that are stored already are turned into pixels by all threads, each with MCU rows of its own.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -44,14 +46,22 @@ constexpr Kind kinds[] = {
     {2, 2, vekiYCbCr411ToRGBLS_MCU_16s8u_P3C3R},
 };
 
+bool isOneScanInOrder(const Picture& picture)
+{
+    if (picture.scans.size() != 1)
+        return false;
+    const std::vector<ScanComponent>& components = picture.scans[0].components;
+    for (size_t i = 0; i < components.size(); ++i)
+        if (components[i].index != static_cast<int>(i))
+            return false;
+    return true;
+}
+
 const Kind* kindOf(const Picture& picture)
 {
     const std::vector<FrameComponent>& c = picture.frame.components;
-    if (picture.colours != ColourModel::YCbCr || picture.scans.size() != 1)
+    if (picture.colours != ColourModel::YCbCr || !(picture.stored || isOneScanInOrder(picture)))
         return nullptr;
-    for (size_t i = 0; i < c.size(); ++i)
-        if (picture.scans[0].components[i].index != static_cast<int>(i))
-            return nullptr;
     for (size_t i = 1; i < c.size(); ++i)
         if (c[i].horizontalSampling != 1 || c[i].verticalSampling != 1)
             return nullptr;
@@ -66,7 +76,7 @@ public:
     McuBands(const Picture& picture, const Kind& kind, int threads);
     int bandRows() const override { return rowsPerBand_ * kind_.height(); }
     void readBand(uint8_t* pixels, size_t step, int rows) override;
-    std::optional<int> markerBehind() const override { return reader_.markerBehind(); }
+    std::optional<int> markerBehind() const override { return reader_ ? reader_->markerBehind() : std::nullopt; }
 
 private:
     struct Tables {
@@ -75,8 +85,12 @@ private:
         alignas(64) std::array<uint16_t, 64> quant;
     };
 
+    void planStoredBands();
+    void planScan(const Picture& picture);
     void planStripes(const Picture& picture);
     void planGroups();
+    void readStored(uint8_t* pixels, size_t step, int rows);
+    void readStoredRow(int mcuRow, uint8_t* pixels, size_t step, int rows);
     void readStripes(uint8_t* pixels, size_t step, int rows);
     void readGroup(uint8_t* pixels, size_t step, int rows);
     void readMcuRow(EntropyReader& reader, uint8_t* pixels, size_t step, int rows);
@@ -91,7 +105,6 @@ private:
     int mcuRows_;
     int threads_;
     std::span<const uint8_t> file_;
-    Scan scan_;
     std::array<Tables, 3> tables_{};
     int rowsPerBand_ = 1;  // MCU rows
     int nextMcuRow_ = 0;
@@ -102,8 +115,10 @@ private:
 
     std::array<std::vector<Block>, 2> groups_;  // coefficients of a group of MCU rows and of the next one
 
-    EntropyReader reader_;
-    std::optional<Crew> crew_;  // if there are several threads
+    std::shared_ptr<const CoefficientStore> stored_;
+    Scan scan_;                            // if they are not stored
+    std::optional<EntropyReader> reader_;  // of it
+    std::optional<Crew> crew_;             // if there are several threads
 };
 
 McuBands::McuBands(const Picture& picture, const Kind& kind, int threads)
@@ -113,20 +128,36 @@ McuBands::McuBands(const Picture& picture, const Kind& kind, int threads)
       mcuRows_(picture.mcuRows()),
       threads_(threads),
       file_(picture.file),
-      scan_(picture.scans[0]),
-      reader_(picture.file, scan_.dataBegin, scan_.restartInterval)
+      stored_(picture.stored)
 {
+    for (size_t i = 0; i < tables_.size(); ++i) picture.quantTable(i, tables_[i].quant.data());
+    if (stored_)
+        planStoredBands();
+    else
+        planScan(picture);
+    if (threads_ > 1)
+        crew_.emplace(threads_);
+}
+
+void McuBands::planStoredBands()
+{
+    const size_t rowBytes = static_cast<size_t>(kind_.height()) * static_cast<size_t>(width_) * 3;
+    if (threads_ > 1)
+        rowsPerBand_ = std::min(mcuRows_, std::max(1, static_cast<int>(bandBytes / rowBytes)));
+}
+
+void McuBands::planScan(const Picture& picture)
+{
+    scan_ = picture.scans[0];
+    reader_.emplace(file_, scan_.dataBegin, scan_.restartInterval);
     for (size_t i = 0; i < tables_.size(); ++i) {
         tables_[i].dc = scan_.components[i].dcTable->decoderTable();
         tables_[i].ac = scan_.components[i].acTable->decoderTable();
-        vekiQuantInvTableInit_JPEG_8u16u(scan_.components[i].quantSteps->data(), tables_[i].quant.data());
     }
     if (threads_ > 1)
         planStripes(picture);
     if (threads_ > 1 && rowsPerStripe_ == 0)
         planGroups();
-    if (threads_ > 1)
-        crew_.emplace(threads_);
 }
 
 void McuBands::planStripes(const Picture& picture)
@@ -160,13 +191,43 @@ void McuBands::planGroups()
 
 void McuBands::readBand(uint8_t* pixels, size_t step, int rows)
 {
-    if (rowsPerStripe_ != 0)
+    if (stored_)
+        readStored(pixels, step, rows);
+    else if (rowsPerStripe_ != 0)
         readStripes(pixels, step, rows);
     else if (threads_ > 1)
         readGroup(pixels, step, rows);
     else
-        readMcuRow(reader_, pixels, step, rows);
+        readMcuRow(*reader_, pixels, step, rows);
     nextMcuRow_ += rowsPerBand_;
+}
+
+void McuBands::readStored(uint8_t* pixels, size_t step, int rows)
+{
+    const int height = kind_.height();
+    const auto readRow = [&](int row) {
+        const int y = row * height;
+        readStoredRow(nextMcuRow_ + row, pixels + static_cast<size_t>(y) * step, step, std::min(height, rows - y));
+    };
+    if (crew_)
+        crew_->run(divideUp(rows, height), readRow);
+    else
+        readRow(0);
+}
+
+void McuBands::readStoredRow(int mcuRow, uint8_t* pixels, size_t step, int rows)
+{
+    alignas(64) int16_t mcu[mostBlocks * 64];
+    for (int mcuColumn = 0; mcuColumn < mcusPerRow_; ++mcuColumn) {
+        int16_t* to = mcu;
+        for (const CoefficientStore::Component& c : stored_->components())
+            for (int y = 0; y < c.vertical; ++y) {
+                const size_t count = static_cast<size_t>(c.horizontal) * 64;
+                std::memcpy(to, c.block(mcuColumn * c.horizontal, mcuRow * c.vertical + y), count * sizeof(int16_t));
+                to += count;
+            }
+        convertMcu(mcu, mcuColumn, pixels, step, rows);
+    }
 }
 
 void McuBands::readStripes(uint8_t* pixels, size_t step, int rows)
@@ -222,7 +283,7 @@ void McuBands::readCoefficients(EntropyReader& reader, int16_t* mcu)
 void McuBands::readCoefficientRows(int16_t* coefficients, int mcuRows)
 {
     for (int i = 0; i < mcuRows * mcusPerRow_; ++i, coefficients += 64 * kind_.blocks())
-        readCoefficients(reader_, coefficients);
+        readCoefficients(*reader_, coefficients);
 }
 
 void McuBands::convertMcuRow(int16_t* coefficients, uint8_t* pixels, size_t step, int rows)

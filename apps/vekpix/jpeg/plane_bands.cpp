@@ -20,7 +20,10 @@ public:
     PlaneBands(const Picture& picture, int scale);
     int bandRows() const override { return tileSide * maxVertical_; }
     void readBand(uint8_t* pixels, size_t step, int rows) override;
-    std::optional<int> markerBehind() const override { return scans_.back().reader.markerBehind(); }
+    std::optional<int> markerBehind() const override
+    {
+        return stored_ ? std::nullopt : scans_.back().reader.markerBehind();
+    }
 
 private:
     struct Plane {
@@ -41,6 +44,7 @@ private:
     };
 
     void makePlane(const Picture& picture, size_t index);
+    void readStoredRow(int mcuRow, int rowInBand);
     void readScanRow(ScanInProgress& scan, int mcuRow, int rowInBand);
     void readInterleavedRow(ScanInProgress& scan, int rowInBand);
     void readSingleRow(ScanInProgress& scan, int mcuRow, int rowInBand);
@@ -60,7 +64,8 @@ private:
     int mcuRows_;
     int nextMcuRow_ = 0;
     std::vector<Plane> planes_;
-    std::vector<ScanInProgress> scans_;
+    std::shared_ptr<const CoefficientStore> stored_;
+    std::vector<ScanInProgress> scans_;  // if they are not stored
 };
 
 PlaneBands::PlaneBands(const Picture& picture, int scale)
@@ -71,16 +76,16 @@ PlaneBands::PlaneBands(const Picture& picture, int scale)
       maxHorizontal_(picture.frame.maxHorizontalSampling()),
       maxVertical_(picture.frame.maxVerticalSampling()),
       mcusPerRow_(picture.mcusPerRow()),
-      mcuRows_(picture.mcuRows())
+      mcuRows_(picture.mcuRows()),
+      stored_(picture.stored)
 {
     planes_.resize(picture.frame.components.size());
     for (size_t i = 0; i < planes_.size(); ++i) makePlane(picture, i);
-    for (const Scan& scan : picture.scans) {
-        for (const ScanComponent& component : scan.components)
-            vekiQuantInvTableInit_JPEG_8u16u(component.quantSteps->data(),
-                                             planes_[static_cast<size_t>(component.index)].quantTable.data());
+    for (size_t i = 0; i < planes_.size(); ++i) picture.quantTable(i, planes_[i].quantTable.data());
+    if (stored_)
+        return;
+    for (const Scan& scan : picture.scans)
         scans_.push_back({scan, EntropyReader(picture.file, scan.dataBegin, scan.restartInterval)});
-    }
 }
 
 void PlaneBands::makePlane(const Picture& picture, size_t index)
@@ -113,12 +118,27 @@ void PlaneBands::makePlane(const Picture& picture, size_t index)
 
 void PlaneBands::readBand(uint8_t* pixels, size_t step, int rows)
 {
-    for (int row = 0; row < scale_ && nextMcuRow_ < mcuRows_; ++row, ++nextMcuRow_)
+    for (int row = 0; row < scale_ && nextMcuRow_ < mcuRows_; ++row, ++nextMcuRow_) {
+        if (stored_)
+            readStoredRow(nextMcuRow_, row);
         for (ScanInProgress& scan : scans_) readScanRow(scan, nextMcuRow_, row);
+    }
     if (colours_ == ColourModel::Grey)
         copyGrey(pixels, step, rows);
     else
         convert(pixels, step, rows);
+}
+
+void PlaneBands::readStoredRow(int mcuRow, int rowInBand)
+{
+    for (size_t i = 0; i < planes_.size(); ++i) {
+        Plane& plane = planes_[i];
+        const CoefficientStore::Component& component = stored_->components()[i];
+        const int rows = std::min(plane.vertical, plane.blocksHigh - mcuRow * plane.vertical);
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < plane.blocksWide; ++x)
+                invert(component.block(x, mcuRow * plane.vertical + y), plane, x, rowInBand * plane.vertical + y);
+    }
 }
 
 void PlaneBands::readScanRow(ScanInProgress& scan, int mcuRow, int rowInBand)
