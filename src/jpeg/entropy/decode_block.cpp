@@ -1,14 +1,13 @@
 #include "frame/checks.h"
 #include "frame/implementations.h"
 #include "frame/vec.h"
-#include "jpeg/entropy/big_endian.h"
-#include "jpeg/entropy/bit_reader.h"
+#include "jpeg/entropy/block_mask.h"
+#include "jpeg/entropy/fast_reader.h"
 
 namespace q3 {
 namespace {
 
 constexpr int fastPathBytes = 24;  // that lie ahead when the fast path is taken
-constexpr int refillBytes = 8;
 
 struct Tables {
     const VekDecodeHuffmanSpec& dc;
@@ -76,142 +75,41 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
     return status;
 }
 
-// The same block by way of a 64-bit accumulator whose oldest bit is bit 63. It gives up, with nothing changed but the
-// block, at a marker, a missing code, a run beyond the block, or fewer than eight bytes ahead of a refill.
-class FastReader {
-public:
-    FastReader(const uint8_t* pSrc, const uint8_t* end, const VekDecodeHuffmanState& state)
-        : p_(pSrc),
-          end_(end),
-          count_(state.numBits),
-          bits_(state.numBits == 0 ? 0 : static_cast<uint64_t>(state.bitBuffer) << (64 - state.numBits))
-    {
-    }
-
-    // False to give up.
-    bool symbol(const VekDecodeHuffmanSpec& table, int& symbol)
-    {
-        if (count_ < 8) [[unlikely]]
-            if (!refill())
-                return false;
-        const uint32_t entry = table.lookup[bits_ >> 56];
-        if (entry == 0) [[unlikely]]
-            return longSymbol(table, symbol);
-        drop(static_cast<int>(entry >> 16));
-        symbol = static_cast<int>(entry & 0xFFFF);
-        return true;
-    }
-
-    // A value of 1 to 15 bits.
-    bool value(int size, int& v)
-    {
-        if (count_ < size) [[unlikely]]
-            if (!refill())
-                return false;
-        // A clear top bit makes the mask all ones: v + 1 - 2^size.
-        const auto negative = static_cast<int32_t>(~static_cast<int64_t>(bits_) >> 63);
-        v = static_cast<int>(bits_ >> (64 - size)) + (negative & (1 - (1 << size)));
-        drop(size);
-        return true;
-    }
-
-    // Gives the newest whole bytes above 32 bits back to the stream.
-    const uint8_t* finish(VekDecodeHuffmanState* pState)
-    {
-        if (count_ >= 32) {
-            const int surplus = ((count_ + 7) & ~7) - 32;
-            p_ -= surplus / 8;
-            count_ -= surplus;
-        }
-        pState->numBits = count_;
-        pState->bitBuffer = count_ == 0 ? 0 : bits_ >> (64 - count_);
-        return p_;
-    }
-
-private:
-    void drop(int n)
-    {
-        bits_ <<= n;
-        count_ -= n;
-    }
-
-    bool refill()
-    {
-        if (end_ - p_ < refillBytes)
-            return false;
-        const uint64_t next = loadBigEndian64(p_);
-        if (!hasByteFF(next)) [[likely]] {
-            const int bytes = (64 - ((count_ + 7) & ~7)) / 8;
-            const uint64_t taken = bytes == 8 ? next : next & ~(~uint64_t{0} >> (8 * bytes));
-            bits_ |= taken >> count_;
-            count_ += 8 * bytes;
-            p_ += bytes;
-            return true;
-        }
-        while (count_ <= 24) {
-            const uint64_t byte = *p_++;
-            if (byte == 0xFF && *p_++ != 0)
-                return false;
-            bits_ |= byte << (56 - count_);
-            count_ += 8;
-        }
-        return true;
-    }
-
-    bool longSymbol(const VekDecodeHuffmanSpec& table, int& symbol)
-    {
-        if (count_ < 16)
-            if (!refill())
-                return false;
-        for (int length = 9; length <= 16; ++length) {
-            const int code = static_cast<int>(bits_ >> (64 - length));
-            if (code <= lastCode(table, length)) {
-                drop(length);
-                symbol = symbolOf(table, length, code);
-                return true;
-            }
-        }
-        return false;
-    }
-
-    const uint8_t* p_;
-    const uint8_t* end_;
-    int count_;
-    uint64_t bits_;
-};
-
+// Gives up, by returning false with nothing changed but the block, where the FastReader does and at a run beyond the
+// block.
 bool decodeFast(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t* pDst, int16_t* pLastDC,
                 const Tables& tables, VekDecodeHuffmanState* pState)
 {
     FastReader reader(pSrc + *pSrcCurrPos, pSrc + srcLenBytes, *pState);
-    int symbol = 0;
+    uint32_t entry = 0;
     int v = 0;
-    if (!reader.symbol(tables.dc, symbol))
+    if (!reader.symbol(tables.dc, entry))
         return false;
+    reader.drop(codeLength(entry));
     int16_t dc = *pLastDC;
-    if ((symbol & 15) != 0) {
-        if (!reader.value(symbol & 15, v))
+    if (sizeOf(entry) != 0) {
+        if (!reader.value(sizeOf(entry), v))
             return false;
         dc = wrappedSum(dc, v);
     }
     storeScalar(pDst, dc);
     int k = 1;
-    while (k < 64) {
-        if (!reader.symbol(tables.ac, symbol))
+    do {
+        if (!reader.symbol(tables.ac, entry))
             return false;
-        const int size = symbol & 15;
-        if (size == 0) {
-            if (symbol != 0xF0)
+        reader.drop(codeLength(entry));
+        if (sizeOf(entry) == 0) [[unlikely]] {
+            if (runOf(entry) != 15)
                 break;
             k += 16;
             continue;
         }
-        k += symbol >> 4;
-        if (k > 63 || !reader.value(size, v))
+        k += runOf(entry);
+        if (k > 63 || !reader.value(sizeOf(entry), v)) [[unlikely]]
             return false;
-        storeScalar(pDst + own_jc_izigzag_index[static_cast<size_t>(k)], static_cast<int16_t>(v));
+        storeScalar(pDst + zigzagPositions[static_cast<size_t>(k)], static_cast<int16_t>(v));
         ++k;
-    }
+    } while (k < 64);
     *pSrcCurrPos = static_cast<int>(reader.finish(pState) - pSrc);
     *pLastDC = dc;
     pState->endOfBlockPos = k;
