@@ -12,8 +12,8 @@ inline int codeLength(uint32_t entry) { return static_cast<int>(entry >> 16); }
 inline int runOf(uint32_t entry) { return static_cast<int>(entry >> 4 & 15); }
 inline int sizeOf(uint32_t entry) { return static_cast<int>(entry & 15); }
 
-// A 64-bit accumulator whose oldest bit is bit 63; zeros follow its `count_` bits. It gives up, by returning false, at a
-// marker, a missing code, or fewer than eight bytes ahead of a refill.
+// A 64-bit accumulator whose oldest bit is bit 63; zeros follow its `count_` bits. It gives up, by returning false,
+// at a marker, a missing code, or fewer than eight bytes ahead of a refill.
 class FastReader {
 public:
     FastReader(const uint8_t* p, const uint8_t* end, const VekDecodeHuffmanState& state)
