@@ -178,52 +178,6 @@ VEK_API VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc,
                                                             const VekDecodeHuffmanSpec* pAcTable);
 /** @} */
 
-/** @name Progressive decoders
- *  @{ */
-VEK_API VekStatus vekiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
-                                                             int16_t* pDst, int16_t* pLastDC, int* pMarker, int Al,
-                                                             const VekDecodeHuffmanSpec* pDcTable,
-                                                             VekDecodeHuffmanState* pDecHuffState);
-VEK_API VekStatus vekiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
-                                                              int16_t* pDst, int* pMarker, int Al,
-                                                              VekDecodeHuffmanState* pDecHuffState);
-VEK_API VekStatus vekiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
-                                                             int16_t* pDst, int* pMarker, int Ss, int Se, int Al,
-                                                             const VekDecodeHuffmanSpec* pAcTable,
-                                                             VekDecodeHuffmanState* pDecHuffState);
-VEK_API VekStatus vekiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
-                                                              int16_t* pDst, int* pMarker, int Ss, int Se, int Al,
-                                                              const VekDecodeHuffmanSpec* pAcTable,
-                                                              VekDecodeHuffmanState* pDecHuffState);
-/** @} */
-
-/** @name Progressive encoders and their statistics
- *  @{ */
-VEK_API VekStatus vekiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
-                                                             int* pDstCurrPos, int16_t* pLastDC, int Al,
-                                                             const VekEncodeHuffmanSpec* pDcTable,
-                                                             VekEncodeHuffmanState* pEncHuffState, int bFlushState);
-VEK_API VekStatus vekiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
-                                                              int* pDstCurrPos, int Al,
-                                                              VekEncodeHuffmanState* pEncHuffState, int bFlushState);
-VEK_API VekStatus vekiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
-                                                             int* pDstCurrPos, int Ss, int Se, int Al,
-                                                             const VekEncodeHuffmanSpec* pAcTable,
-                                                             VekEncodeHuffmanState* pEncHuffState, int bFlushState);
-VEK_API VekStatus vekiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
-                                                              int* pDstCurrPos, int Ss, int Se, int Al,
-                                                              const VekEncodeHuffmanSpec* pAcTable,
-                                                              VekEncodeHuffmanState* pEncHuffState, int bFlushState);
-VEK_API VekStatus vekiGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(const int16_t* pSrc, int* pDcStatistics,
-                                                                  int16_t* pLastDC, int Al);
-VEK_API VekStatus vekiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(const int16_t* pSrc, int* pAcStatistics, int Ss,
-                                                                  int Se, int Al, VekEncodeHuffmanState* pEncHuffState,
-                                                                  int bFlushState);
-VEK_API VekStatus vekiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(const int16_t* pSrc, int* pAcStatistics, int Ss,
-                                                                   int Se, int Al, VekEncodeHuffmanState* pEncHuffState,
-                                                                   int bFlushState);
-/** @} */
-
 /** @name Lossless prediction (ITU T.81, Annex H)
  *  Rows of 16-bit samples; all sums and differences wrap modulo 65536, halvings round down.
  *
@@ -264,26 +218,6 @@ VEK_API VekStatus vekiReconstructPredFirstRow_JPEG_16s_C1(const int16_t* pSrc, i
  * vekiDiffPredRow_JPEG_16s_C1(). */
 VEK_API VekStatus vekiReconstructPredRow_JPEG_16s_C1(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst,
                                                      int width, int predictor);
-/** @} */
-
-/** @name Lossless Huffman coding
- *  @{ */
-VEK_API VekStatus vekiEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t** pSrc, int nSrcLen, int nSrcRows, uint8_t* pDst,
-                                                       int dstLenBytes, int* pDstCurrPos,
-                                                       const VekEncodeHuffmanSpec** pEncHuffTable,
-                                                       VekEncodeHuffmanState* pEncHuffState, int bFlushState);
-VEK_API VekStatus vekiDecodeHuffmanRow_JPEG_1u16s_C1P4(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
-                                                       int16_t** pDst, int nDstLen, int nDstRows, int* pMarker,
-                                                       const VekDecodeHuffmanSpec** pDecHuffTable,
-                                                       VekDecodeHuffmanState* pDecHuffState);
-VEK_API VekStatus vekiEncodeHuffmanOne_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
-                                                     int* pDstCurrPos, const VekEncodeHuffmanSpec* pEncHuffTable,
-                                                     VekEncodeHuffmanState* pEncHuffState, int bFlushState);
-VEK_API VekStatus vekiDecodeHuffmanOne_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
-                                                     int16_t* pDst, int* pMarker,
-                                                     const VekDecodeHuffmanSpec* pDecHuffTable,
-                                                     VekDecodeHuffmanState* pDecHuffState);
-VEK_API VekStatus vekiGetHuffmanStatisticsOne_JPEG_16s_C1(const int16_t* pSrc, int* pStatistics);
 /** @} */
 
 #endif
