@@ -1,5 +1,6 @@
 /** @file
- *  JPEG entropy coding (ITU T.81): Huffman tables and the sequential Huffman coder. */
+ *  JPEG entropy coding (ITU T.81): Huffman tables, the sequential, progressive and lossless Huffman coders, lossless
+ *  prediction. */
 #ifndef VEKJ_JPEG_ENTROPY_H
 #define VEKJ_JPEG_ENTROPY_H
 
@@ -176,6 +177,128 @@ VEK_API VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc,
                                                             int* pNumValidPrefetchedBits,
                                                             const VekDecodeHuffmanSpec* pDcTable,
                                                             const VekDecodeHuffmanSpec* pAcTable);
+/** @} */
+
+/** @name Progressive decoders
+ *  Each reads one block of one scan (ITU T.81, G.2) into a block that holds what earlier scans have brought: the caller
+ *  clears the blocks before the first scan. Blocks are 64 coefficients in natural order, at any address. A scan covers
+ *  zig-zag positions `Ss` to `Se`, down to bit `Al`. A state serves one scan, up to the next restart marker. `pMarker`
+ *  works as in vekiDecodeHuffman8x8_JPEG_1u16s_C1(). A failure leaves coefficients, position and state as far as they
+ *  have come.
+ *  @{ */
+
+/** Adds the next difference to `pLastDC`, and stores that, times 2^Al, as DC coefficient.
+ *  @param pLastDC  DC value of the component's last block; takes this block's
+ *  @param Al       at most 13
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pSrc), vekStsBadSize (srcLenBytes below 1),
+ *          vekStsNullPointer (pSrcCurrPos, pDst, pLastDC, pMarker), vekStsBadArgument (Al), vekStsNullPointer
+ *          (pDcTable, pDecHuffState); then the failures of vekiDecodeHuffman8x8_JPEG_1u16s_C1() */
+VEK_API VekStatus vekiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
+                                                             int16_t* pDst, int16_t* pLastDC, int* pMarker, int Al,
+                                                             const VekDecodeHuffmanSpec* pDcTable,
+                                                             VekDecodeHuffmanState* pDecHuffState);
+
+/** Sets bit `Al` of the DC coefficient if the next bit is 1.
+ *  @return as vekiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(), without pLastDC and pDcTable */
+VEK_API VekStatus vekiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
+                                                              int16_t* pDst, int* pMarker, int Al,
+                                                              VekDecodeHuffmanState* pDecHuffState);
+
+/** Stores the band's coefficients that are not zero, times 2^Al. A block inside an end-of-band run costs no bits.
+ *
+ *  AC scans read up to 8 bytes ahead, and never give them back: at the end of a scan `pSrcCurrPos` may stand that far
+ *  behind the last bit used, but never behind a marker that has been met.
+ *  @param Ss, Se  1 to 63, Ss not above Se
+ *  @param Al      at most 13
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pSrc), vekStsBadSize (srcLenBytes below 1),
+ *          vekStsNullPointer (pSrcCurrPos, pDst, pMarker), vekStsBadArgument (Ss, Se, Al), vekStsNullPointer (pAcTable,
+ *          pDecHuffState); vekStsJpegOutOfBuffer if the source ends before the bits asked for, or right behind a 0xFF,
+ *          or if a marker comes up before them; vekStsJpegMarkerShort if it has come up before, or if no code matches.
+ *          A run that leads beyond the block ends on its last coefficient. */
+VEK_API VekStatus vekiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
+                                                             int16_t* pDst, int* pMarker, int Ss, int Se, int Al,
+                                                             const VekDecodeHuffmanSpec* pAcTable,
+                                                             VekDecodeHuffmanState* pDecHuffState);
+
+/** Moves coefficients that are not zero by 2^Al away from zero where a correction bit says so, and sets those that
+ *  become significant to 2^Al or -2^Al.
+ *  @return as vekiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1() */
+VEK_API VekStatus vekiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
+                                                              int16_t* pDst, int* pMarker, int Ss, int Se, int Al,
+                                                              const VekDecodeHuffmanSpec* pAcTable,
+                                                              VekDecodeHuffmanState* pDecHuffState);
+/** @} */
+
+/** @name Progressive encoders and their statistics
+ *  Each codes one block for one scan (ITU T.81, G.1). Blocks, `Ss`, `Se` and `Al` are those of the decoders. A state
+ *  serves one scan, up to the next restart marker; a call with `bFlushState` set ends it, and looks at no block. The
+ *  statistics functions go through the same blocks beforehand, with a state of their own, and count the symbols that
+ *  the encoders will write.
+ *  @{ */
+
+/** Writes the difference of the DC coefficient, divided by 2^Al with rounding down, from `pLastDC`.
+ *  @param pLastDC      takes this block's value, also on failure
+ *  @param bFlushState  not 0: pads with 1 bits to a byte and resets the state
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pDst), vekStsBadSize (dstLenBytes below 1),
+ *          vekStsNullPointer (pDstCurrPos, pEncHuffState); without bFlushState also vekStsNullPointer (pSrc, pLastDC),
+ *          vekStsBadArgument (Al above 13), vekStsNullPointer (pDcTable), vekStsJpegMarkerShort for a category above
+ *          11, vekStsJpegHuffmanTable for one without a code; vekStsJpegOutOfBuffer if the bytes do not fit */
+VEK_API VekStatus vekiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
+                                                             int* pDstCurrPos, int16_t* pLastDC, int Al,
+                                                             const VekEncodeHuffmanSpec* pDcTable,
+                                                             VekEncodeHuffmanState* pEncHuffState, int bFlushState);
+
+/** Writes bit `Al` of the DC coefficient.
+ *  @return as vekiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(), without pLastDC and pDcTable */
+VEK_API VekStatus vekiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
+                                                              int* pDstCurrPos, int Al,
+                                                              VekEncodeHuffmanState* pEncHuffState, int bFlushState);
+
+/** Writes the band's coefficients whose magnitude divided by 2^Al is not zero. Blocks that end in zeros join an
+ *  end-of-band run, which goes out before the next coefficient, at 32767 blocks, or when the scan is flushed.
+ *
+ *  Up to 63 bits stay in the state before bytes are written.
+ *  @param bFlushState  not 0: writes the run and all bits, padded with 1 bits to a byte, and clears the state
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pDst), vekStsBadSize (dstLenBytes below 1),
+ *          vekStsNullPointer (pDstCurrPos, pAcTable, pEncHuffState); without bFlushState also vekStsNullPointer (pSrc),
+ *          vekStsBadArgument (Ss, Se, Al), vekStsJpegMarkerShort for a category above 11; vekStsJpegHuffmanTable for a
+ *          symbol without a code; vekStsJpegOutOfBuffer if the bytes do not fit. A failure keeps what is written. */
+VEK_API VekStatus vekiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
+                                                             int* pDstCurrPos, int Ss, int Se, int Al,
+                                                             const VekEncodeHuffmanSpec* pAcTable,
+                                                             VekEncodeHuffmanState* pEncHuffState, int bFlushState);
+
+/** Writes bit `Al` of the band's coefficients: those that become significant with their sign, and a correction bit for
+ *  each that was significant before. An end-of-band run goes out with its correction bits, also when more than 937 of
+ *  them wait.
+ *  @return as vekiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(), without the test of categories */
+VEK_API VekStatus vekiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
+                                                              int* pDstCurrPos, int Ss, int Se, int Al,
+                                                              const VekEncodeHuffmanSpec* pAcTable,
+                                                              VekEncodeHuffmanState* pEncHuffState, int bFlushState);
+
+/** Counts the category that vekiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1() would write.
+ *  @param pDcStatistics  256 counters, which are added to
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer, vekStsBadArgument (Al above 13),
+ *          vekStsJpegMarkerShort for a category above 11, with `pLastDC` taken over */
+VEK_API VekStatus vekiGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(const int16_t* pSrc, int* pDcStatistics,
+                                                                  int16_t* pLastDC, int Al);
+
+/** Counts the symbols that vekiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1() would write.
+ *  @param pAcStatistics  256 counters, which are added to
+ *  @param bFlushState    not 0: counts the pending end-of-band run and resets the state
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pAcStatistics, pEncHuffState); without bFlushState
+ *          also vekStsNullPointer (pSrc), vekStsBadArgument (Ss, Se, Al), vekStsJpegMarkerShort for a category above
+ *          10, one below the encoder's bound, what is counted until then staying counted */
+VEK_API VekStatus vekiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(const int16_t* pSrc, int* pAcStatistics, int Ss,
+                                                                  int Se, int Al, VekEncodeHuffmanState* pEncHuffState,
+                                                                  int bFlushState);
+
+/** Counts the symbols that vekiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1() would write.
+ *  @return as vekiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(), without the test of categories */
+VEK_API VekStatus vekiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(const int16_t* pSrc, int* pAcStatistics, int Ss,
+                                                                   int Se, int Al, VekEncodeHuffmanState* pEncHuffState,
+                                                                   int bFlushState);
 /** @} */
 
 /** @name Lossless prediction (ITU T.81, Annex H)

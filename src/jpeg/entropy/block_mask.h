@@ -26,17 +26,25 @@ constexpr std::array<uint8_t, 64> zigzagPositions = [] {
     return t;
 }();
 
-// Bit k is set if the coefficient at zig-zag position k is not zero.
-inline uint64_t nonZeroInZigzag(const int16_t* pBlock)
+// Four vectors that hold one value for each coefficient of a block in natural order.
+struct BlockVectors {
+    __m256i rows[4];  // two rows each
+};
+
+inline BlockVectors loadBlock(const int16_t* pBlock)
 {
-    const __m256i zero = _mm256_setzero_si256();
+    return {{loadU(pBlock), loadU(pBlock + 16), loadU(pBlock + 32), loadU(pBlock + 48)}};
+}
+
+// Bit k is set if the values of zig-zag position k are equal.
+inline uint64_t equalInZigzag(const BlockVectors& a, __m256i b)
+{
     uint64_t rows = 0;  // a bit for each coefficient in natural order
-    for (int half = 0; half < 2; ++half) {
-        const int16_t* const p = pBlock + 32 * half;
-        const __m256i zeros =
-            _mm256_packs_epi16(_mm256_cmpeq_epi16(loadU(p), zero), _mm256_cmpeq_epi16(loadU(p + 16), zero));
-        const __m256i inOrder = _mm256_permute4x64_epi64(zeros, 0xD8);
-        rows |= static_cast<uint64_t>(~static_cast<uint32_t>(_mm256_movemask_epi8(inOrder))) << (32 * half);
+    for (size_t half = 0; half < 2; ++half) {
+        const __m256i equal =
+            _mm256_packs_epi16(_mm256_cmpeq_epi16(a.rows[2 * half], b), _mm256_cmpeq_epi16(a.rows[2 * half + 1], b));
+        const __m256i inOrder = _mm256_permute4x64_epi64(equal, 0xD8);
+        rows |= uint64_t{static_cast<uint32_t>(_mm256_movemask_epi8(inOrder))} << (32 * half);
     }
     return [rows]<size_t... row>(std::index_sequence<row...>)
     {
@@ -44,6 +52,10 @@ inline uint64_t nonZeroInZigzag(const int16_t* pBlock)
     }
     (std::make_index_sequence<8>());
 }
+
+// Bit k is set if the coefficient at zig-zag position k is not zero.
+inline uint64_t nonZeroInZigzag(const BlockVectors& block) { return ~equalInZigzag(block, _mm256_setzero_si256()); }
+inline uint64_t nonZeroInZigzag(const int16_t* pBlock) { return nonZeroInZigzag(loadBlock(pBlock)); }
 
 }  // namespace q3
 

@@ -5,13 +5,11 @@
 
 #include "jpeg/entropy/big_endian.h"
 #include "jpeg/entropy/block_mask.h"
+#include "jpeg/entropy/encoder_symbols.h"
 #include "jpeg/entropy/huffman_tables.h"
 #include "jpeg/entropy/magnitude.h"
 
 namespace q3 {
-
-constexpr int zeroRunLength = 0xF0;  // sixteen zeros
-constexpr int endOfBlock = 0;
 
 // The code of an AC symbol. Category 16 borders on the next run's symbols; behind the longest run there is nothing.
 inline uint32_t acEntry(const VekEncodeHuffmanSpec& table, int run, int category)
