@@ -343,4 +343,60 @@ VEK_API VekStatus vekiReconstructPredRow_JPEG_16s_C1(const int16_t* pSrc, const 
                                                      int width, int predictor);
 /** @} */
 
+/** @name Lossless Huffman coding
+ *  Differences of lossless prediction as category and magnitude bits (ITU T.81, H.1.2.2), of one value or of up to four
+ *  interleaved rows: first the rows' first values, then their second ones, and so on. The state, the positions and
+ *  `pMarker` are those of the sequential coders.
+ *  @{ */
+
+/** Writes rows of values. -32768, which stands for 32768 modulo 65536, has category 16 and no magnitude bits.
+ *  @param pSrc           the rows
+ *  @param nSrcLen        values in each
+ *  @param nSrcRows       rows; of more than 4 only the first 4 count
+ *  @param pEncHuffTable  a table for each row
+ *  @param bFlushState    not 0: pads with 1 bits to a byte and resets the state; nothing else is looked at
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pDst), vekStsBadSize (dstLenBytes below 1),
+ *          vekStsNullPointer (pDstCurrPos, pEncHuffState); without bFlushState also vekStsNullPointer (pSrc),
+ *          vekStsBadArgument (nSrcLen or nSrcRows below 1), vekStsNullPointer (pEncHuffTable, a row, its table),
+ *          vekStsJpegHuffmanTable for a category without a code; vekStsJpegOutOfBuffer if the bytes do not fit. A
+ *          failure keeps the values written before. */
+VEK_API VekStatus vekiEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t** pSrc, int nSrcLen, int nSrcRows, uint8_t* pDst,
+                                                       int dstLenBytes, int* pDstCurrPos,
+                                                       const VekEncodeHuffmanSpec** pEncHuffTable,
+                                                       VekEncodeHuffmanState* pEncHuffState, int bFlushState);
+
+/** Reads rows of values.
+ *  @param pDst           the rows
+ *  @param nDstLen        values in each
+ *  @param nDstRows       rows; of more than 4 only the first 4 count
+ *  @param pDecHuffTable  a table for each row
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pSrc), vekStsBadSize (srcLenBytes below 1),
+ *          vekStsNullPointer (pSrcCurrPos, pDst), vekStsBadArgument (nDstLen or nDstRows below 1), vekStsNullPointer
+ *          (pMarker, pDecHuffTable, pDecHuffState, a row, its table); then the failures of
+ *          vekiDecodeHuffman8x8_JPEG_1u16s_C1(), with the values before stored */
+VEK_API VekStatus vekiDecodeHuffmanRow_JPEG_1u16s_C1P4(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
+                                                       int16_t** pDst, int nDstLen, int nDstRows, int* pMarker,
+                                                       const VekDecodeHuffmanSpec** pDecHuffTable,
+                                                       VekDecodeHuffmanState* pDecHuffState);
+
+/** Writes one value.
+ *  @return as vekiEncodeHuffmanRow_JPEG_16s1u_P4C1(), without the rows */
+VEK_API VekStatus vekiEncodeHuffmanOne_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst, int dstLenBytes,
+                                                     int* pDstCurrPos, const VekEncodeHuffmanSpec* pEncHuffTable,
+                                                     VekEncodeHuffmanState* pEncHuffState, int bFlushState);
+
+/** Reads one value. A failure leaves `pDst` alone.
+ *  @return vekStsOk, or the first that applies: vekStsNullPointer (pSrc), vekStsBadSize (srcLenBytes below 1),
+ *          vekStsNullPointer (the others); then the failures of vekiDecodeHuffman8x8_JPEG_1u16s_C1() */
+VEK_API VekStatus vekiDecodeHuffmanOne_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos,
+                                                     int16_t* pDst, int* pMarker,
+                                                     const VekDecodeHuffmanSpec* pDecHuffTable,
+                                                     VekDecodeHuffmanState* pDecHuffState);
+
+/** Counts the category of a value.
+ *  @param pStatistics  256 counters, one of which is added to
+ *  @return vekStsOk, or vekStsNullPointer */
+VEK_API VekStatus vekiGetHuffmanStatisticsOne_JPEG_16s_C1(const int16_t* pSrc, int* pStatistics);
+/** @} */
+
 #endif

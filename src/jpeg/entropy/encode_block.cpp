@@ -60,14 +60,12 @@ private:
 bool encodeFast(const int16_t* pSrc, const Destination& dst, int diff, const VekEncodeHuffmanSpec& dcTable,
                 const VekEncodeHuffmanSpec& acTable, VekEncodeHuffmanState* pState)
 {
-    const uint32_t pending = (static_cast<uint32_t>(pState->bitBuffer) & 0xFFFFFF) >> (24 - pState->numBits);
-    FastBlockWriter writer(dst.p + *dst.position, dst.p + dst.length, pending, pState->numBits);
-    writer.encode(pSrc, diff, dcTable, acTable);
+    FastBitWriter writer(dst.p + *dst.position, dst.p + dst.length, *pState);
+    putBlock(writer, pSrc, diff, dcTable, acTable);
     if (writer.full() || writer.missesCode())
         return false;
     *dst.position = static_cast<int>(writer.position() - dst.p);
-    pState->bitBuffer = writer.pending() << (24 - writer.numPending());
-    pState->numBits = writer.numPending();
+    writer.keep(pState);
     return true;
 }
 

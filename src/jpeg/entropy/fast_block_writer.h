@@ -1,13 +1,11 @@
-// The fast way of a block into a segment: a 64-bit accumulator, right-aligned, that goes out when the next code does
-// not fit.
+// The fast way of a block into a segment.
 #ifndef VEK_JPEG_ENTROPY_FAST_BLOCK_WRITER_H
 #define VEK_JPEG_ENTROPY_FAST_BLOCK_WRITER_H
 
-#include "jpeg/entropy/big_endian.h"
 #include "jpeg/entropy/block_mask.h"
 #include "jpeg/entropy/encoder_symbols.h"
+#include "jpeg/entropy/fast_bit_writer.h"
 #include "jpeg/entropy/huffman_tables.h"
-#include "jpeg/entropy/magnitude.h"
 
 namespace q3 {
 
@@ -18,96 +16,31 @@ inline uint32_t acEntry(const VekEncodeHuffmanSpec& table, int run, int category
     return symbol < 256 ? table.codes[symbol] : 0;
 }
 
-// Writes from `begin` on, and nothing at or behind `end`. It does not stop at a full destination or at a missing code:
-// these are told by full() and missesCode() in the end, and then only bytes behind the beginning have changed. A symbol
-// without a code adds no bits.
-class FastBlockWriter {
-public:
-    FastBlockWriter(uint8_t* begin, uint8_t* end, uint32_t pending, int numPending)
-        : p_(begin), end_(end), bits_(pending), count_(static_cast<uint32_t>(numPending))
-    {
-    }
-
-    [[gnu::always_inline]] void encode(const int16_t* pSrc, int diff, const VekEncodeHuffmanSpec& dcTable,
-                                       const VekEncodeHuffmanSpec& acTable)
-    {
-        put(dcTable.codes[categoryOf(diff)], magnitudeOf(diff));
-        uint64_t mask = nonZeroInZigzag(pSrc) & ~uint64_t{1};
-        uint32_t next = 1;  // behind the last coefficient written
-        while (mask != 0) {
-            const auto k = static_cast<uint32_t>(std::countr_zero(mask));
-            mask &= mask - 1;
-            uint32_t run = k - next;
-            next = k + 1;
-            for (; run > 15; run -= 16) [[unlikely]] put(acTable.codes[zeroRunLength], {});
-            const int v = loadScalar<int16_t>(pSrc + zigzagPositions[k]);
-            if (isSmall(v)) [[likely]] {
-                const Magnitude magnitude = smallMagnitudeOf(v);
-                put(acTable.codes[(run << 4) + magnitude.category], magnitude);
-            } else {
-                const Magnitude magnitude = magnitudeOf(v);
-                put(acEntry(acTable, static_cast<int>(run), static_cast<int>(magnitude.category)), magnitude);
-            }
-        }
-        if (next != 64)
-            put(acTable.codes[endOfBlock], {});
-        if (count_ >= 8)
-            storeWholeBytes();
-    }
-
-    uint8_t* position() const { return p_; }
-    uint32_t pending() const { return static_cast<uint32_t>(bits_) & ((1U << count_) - 1); }
-    int numPending() const { return static_cast<int>(count_); }  // at most 7
-    bool full() const { return full_; }
-    bool missesCode() const { return (borrows_ >> 31) != 0; }
-
-private:
-    // A code and the magnitude bits behind it: at most 32 bits.
-    [[gnu::always_inline]] void put(uint32_t entry, Magnitude magnitude)
-    {
-        borrows_ |= entry - 1;
-        const uint32_t length = (entry >> 16) + magnitude.category;
-        if (count_ + length > 64) [[unlikely]]
-            storeWholeBytes();
-        bits_ = bits_ << length | uint64_t{entry & 0xFFFF} << magnitude.category | magnitude.bits;
-        count_ += length;
-    }
-
-    // At least one.
-    [[gnu::always_inline]] void storeWholeBytes()
-    {
-        const uint64_t aligned = bits_ << (64 - count_);
-        const bool plain = !hasByteFF(aligned);
-        if (end_ - p_ < (plain ? 8 : 16)) [[unlikely]] {  // eight bytes, each of which may want a stuffed one
-            full_ = true;
-        } else if (plain) [[likely]] {
-            storeBigEndian64(p_, aligned);
-            p_ += count_ / 8;
+[[gnu::always_inline]] inline void putBlock(FastBitWriter& writer, const int16_t* pSrc, int diff,
+                                            const VekEncodeHuffmanSpec& dcTable, const VekEncodeHuffmanSpec& acTable)
+{
+    writer.put(dcTable.codes[categoryOf(diff)], magnitudeOf(diff));
+    uint64_t mask = nonZeroInZigzag(pSrc) & ~uint64_t{1};
+    uint32_t next = 1;  // behind the last coefficient written
+    while (mask != 0) {
+        const auto k = static_cast<uint32_t>(std::countr_zero(mask));
+        mask &= mask - 1;
+        uint32_t run = k - next;
+        next = k + 1;
+        for (; run > 15; run -= 16) [[unlikely]] writer.put(acTable.codes[zeroRunLength], {});
+        const int v = loadScalar<int16_t>(pSrc + zigzagPositions[k]);
+        if (isSmall(v)) [[likely]] {
+            const Magnitude magnitude = smallMagnitudeOf(v);
+            writer.put(acTable.codes[(run << 4) + magnitude.category], magnitude);
         } else {
-            p_ = storeStuffed(p_, aligned, count_ / 8);
+            const Magnitude magnitude = magnitudeOf(v);
+            writer.put(acEntry(acTable, static_cast<int>(run), static_cast<int>(magnitude.category)), magnitude);
         }
-        count_ &= 7;
     }
-
-    // The first bytes of `aligned`, with a zero byte behind each 0xFF. Returns where they end.
-    [[gnu::noinline]] static uint8_t* storeStuffed(uint8_t* p, uint64_t aligned, uint32_t bytes)
-    {
-        for (; bytes > 0; --bytes, aligned <<= 8) {
-            const auto byte = static_cast<uint8_t>(aligned >> 56);
-            *p++ = byte;
-            if (byte == 0xFF)
-                *p++ = 0;
-        }
-        return p;
-    }
-
-    uint8_t* p_;
-    uint8_t* end_;
-    uint64_t bits_;
-    uint32_t count_;
-    bool full_ = false;
-    uint32_t borrows_ = 0;  // bit 31 is set by an entry of 0
-};
+    if (next != 64)
+        writer.put(acTable.codes[endOfBlock], {});
+    writer.settle();
+}
 
 }  // namespace q3
 
