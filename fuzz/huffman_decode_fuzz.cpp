@@ -1,5 +1,5 @@
-// Both Huffman decoders over any table, stream and state. The sequential one equals its model, block by block; the
-// direct one equals the sequential one until a marker comes; neither leaves its memory, whatever it is given.
+// Both Huffman decoders over any table, stream and state. Each equals its model, block by block, and the direct one
+// equals the sequential one until a marker comes; neither leaves its memory, whatever it is given.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -119,6 +119,27 @@ void compareWithModel(const std::vector<uint8_t>& stream, const Table& dc, const
     }
 }
 
+// Past markers too. The stream ends with one.
+void compareDirectWithModel(const std::vector<uint8_t>& stream, const Table& dc, const Table& ac, uint64_t bits,
+                            int numBits)
+{
+    Direct reader;
+    reader.prefetched = static_cast<uint32_t>(bits);
+    reader.numPrefetched = numBits;
+    model::DirectInput in{stream.data(), 0, 0, reader.prefetched, numBits};
+    int16_t expectedDc = 0;
+    for (int i = 0; i < mostBlocks && reader.bitPosition < 8 * static_cast<int>(stream.size()); ++i) {
+        Block expected{};
+        const VekStatus want = model::decodeDirect(in, expected, expectedDc, dc.expected, ac.expected);
+        require(want == reader.decode(stream, dc, ac));
+        require(expected == reader.block && expectedDc == reader.dc);
+        require(in.bitPosition == reader.bitPosition && in.marker == reader.marker);
+        require(in.numPrefetched == reader.numPrefetched && in.prefetched == reader.prefetched);
+        if (i % 4 == 3)
+            in.marker = reader.marker = 0;
+    }
+}
+
 void compareForms(const std::vector<uint8_t>& stream, const Table& dcTable, const Table& acTable)
 {
     Sequential sequential;
@@ -174,6 +195,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     stream.push_back(0xFF);
     stream.push_back(0xD9);
     stream.shrink_to_fit();
+    compareDirectWithModel(stream, dcTable, acTable, bits, numBits);
     compareForms(stream, dcTable, acTable);
     survive(stream, dcTable, acTable, states);
     return 0;

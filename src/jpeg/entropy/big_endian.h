@@ -8,6 +8,7 @@
 
 namespace q3 {
 
+inline uint32_t loadBigEndian16(const uint8_t* p) { return __builtin_bswap16(loadScalar<uint16_t>(p)); }
 inline uint32_t loadBigEndian32(const uint8_t* p) { return __builtin_bswap32(loadScalar<uint32_t>(p)); }
 inline uint64_t loadBigEndian64(const uint8_t* p) { return __builtin_bswap64(loadScalar<uint64_t>(p)); }
 inline void storeBigEndian64(uint8_t* p, uint64_t v) { storeScalar(p, __builtin_bswap64(v)); }

@@ -1,31 +1,14 @@
 #include "frame/checks.h"
 #include "frame/implementations.h"
-#include "frame/vec.h"
-#include "jpeg/entropy/block_mask.h"
-#include "jpeg/entropy/fast_reader.h"
+#include "jpeg/entropy/fast_block_reader.h"
 
 namespace q3 {
 namespace {
 
 constexpr int fastPathBytes = 24;  // that lie ahead when the fast path is taken
 
-struct Tables {
-    const VekDecodeHuffmanSpec& dc;
-    const VekDecodeHuffmanSpec& ac;
-};
-
-inline void clearBlock(int16_t* pDst)
-{
-    for (int i = 0; i < 64; i += 16) storeU(pDst + i, _mm256_setzero_si256());
-}
-
-inline int16_t wrappedSum(int16_t a, int b)
-{
-    return static_cast<int16_t>(static_cast<uint16_t>(a) + static_cast<unsigned>(b));
-}
-
 VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t* pDst, int16_t* pLastDC,
-                          int* pMarker, const Tables& tables, VekDecodeHuffmanState* pState)
+                          int* pMarker, const DecodeTables& tables, VekDecodeHuffmanState* pState)
 {
     const auto symbolBy = [&](const VekDecodeHuffmanSpec& table, int& symbol) {
         return ownjc_DecodeHuffSymbol(pSrc, srcLenBytes, pSrcCurrPos, pMarker, &symbol, &table, pState);
@@ -75,44 +58,21 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
     return status;
 }
 
-// Gives up, by returning false with nothing changed but the block, where the FastReader does and at a run beyond the
-// block.
+// False, with nothing changed but the block, if the fast path gives up.
 bool decodeFast(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t* pDst, int16_t* pLastDC,
-                const Tables& tables, VekDecodeHuffmanState* pState)
+                const DecodeTables& tables, VekDecodeHuffmanState* pState)
 {
-    FastReader reader(pSrc + *pSrcCurrPos, pSrc + srcLenBytes, *pState);
-    uint32_t entry = 0;
-    int v = 0;
-    if (!reader.symbol(tables.dc, entry))
-        return false;
-    reader.drop(codeLength(entry));
+    FastReader reader(pSrc + *pSrcCurrPos, RefillToEnd{pSrc + srcLenBytes}, pState->bitBuffer, pState->numBits);
     int16_t dc = *pLastDC;
-    if (sizeOf(entry) != 0) {
-        if (!reader.value(sizeOf(entry), v))
-            return false;
-        dc = wrappedSum(dc, v);
-    }
-    storeScalar(pDst, dc);
-    int k = 1;
-    do {
-        if (!reader.symbol(tables.ac, entry))
-            return false;
-        reader.drop(codeLength(entry));
-        if (sizeOf(entry) == 0) [[unlikely]] {
-            if (runOf(entry) != 15)
-                break;
-            k += 16;
-            continue;
-        }
-        k += runOf(entry);
-        if (k > 63 || !reader.value(sizeOf(entry), v)) [[unlikely]]
-            return false;
-        storeScalar(pDst + zigzagPositions[static_cast<size_t>(k)], static_cast<int16_t>(v));
-        ++k;
-    } while (k < 64);
-    *pSrcCurrPos = static_cast<int>(reader.finish(pState) - pSrc);
+    const int reached = decodeFast(reader, pDst, dc, tables);
+    if (reached == 0)
+        return false;
+    reader.giveBackSurplus();
+    *pSrcCurrPos = static_cast<int>(reader.position() - pSrc);
     *pLastDC = dc;
-    pState->endOfBlockPos = k;
+    pState->bitBuffer = reader.bitBuffer();
+    pState->numBits = reader.numBits();
+    pState->endOfBlockPos = reached;
     return true;
 }
 
@@ -131,10 +91,10 @@ VekStatus vekiDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenByte
     VEK_CHECK_POINTER(pDcTable);
     VEK_CHECK_POINTER(pAcTable);
     VEK_CHECK_POINTER(pDecHuffState);
-    const Tables tables = {*pDcTable, *pAcTable};
+    const DecodeTables tables = {*pDcTable, *pAcTable};
     clearBlock(pDst);
     const bool ample = int64_t{srcLenBytes} - *pSrcCurrPos >= fastPathBytes;
-    if (*pMarker == 0 && ample && pDecHuffState->numBits >= 0 && pDecHuffState->numBits <= 32) {
+    if (*pMarker == 0 && ample && pDecHuffState->numBits >= 0 && pDecHuffState->numBits <= mostBitsBetweenBlocks) {
         if (decodeFast(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, tables, pDecHuffState))
             return vekStsOk;
         clearBlock(pDst);

@@ -1,8 +1,6 @@
 #include "frame/checks.h"
 #include "frame/implementations.h"
-#include "frame/vec.h"
-#include "jpeg/entropy/big_endian.h"
-#include "jpeg/entropy/bit_reader.h"
+#include "jpeg/entropy/fast_block_reader.h"
 
 namespace q3 {
 namespace {
@@ -87,11 +85,6 @@ bool decodeValue(int size, DirectReader& reader, int& v)
     return true;
 }
 
-inline int16_t wrappedSum(int16_t a, int b)
-{
-    return static_cast<int16_t>(static_cast<uint16_t>(a) + static_cast<unsigned>(b));
-}
-
 VekStatus decodeAc(int16_t* pDst, const VekDecodeHuffmanSpec& table, DirectReader& reader)
 {
     int k = 1;
@@ -123,6 +116,53 @@ VekStatus decodeAc(int16_t* pDst, const VekDecodeHuffmanSpec& table, DirectReade
     return vekStsOk;
 }
 
+// The block cleared and the reader's place not stored where no bit is left at all.
+[[gnu::noinline]] VekStatus decodeCarefully(const uint8_t* pSrc, int* pSrcBitsLen, int16_t* pDst, int16_t* pLastDC,
+                                            int* pMarker, uint32_t* pPrefetchedBits, int* pNumValidPrefetchedBits,
+                                            const DecodeTables& tables)
+{
+    DirectReader reader = {pSrc, *pSrcBitsLen >> 3, *pMarker, *pPrefetchedBits, *pNumValidPrefetchedBits};
+    VekStatus status = vekStsOk;
+    const int symbol = decodeSymbol(tables.dc, reader);
+    *pMarker = reader.marker;
+    if (symbol == noBitsLeft)
+        return vekStsOk;
+    if (symbol == noCode) {
+        status = vekStsJpegMarkerShort;
+    } else {
+        const int size = symbol & 15;
+        int diff = 0;
+        if (size != 0 && !decodeValue(size, reader, diff)) {
+            status = vekStsJpegOutOfBuffer;
+        } else {
+            *pLastDC = wrappedSum(*pLastDC, diff);
+            storeScalar(pDst, *pLastDC);
+            status = decodeAc(pDst, tables.ac, reader);
+        }
+    }
+    *pMarker = reader.marker;
+    *pSrcBitsLen = reader.position * 8;
+    *pNumValidPrefetchedBits = std::max(reader.count, 0);
+    *pPrefetchedBits = reader.count < 32 ? reader.bits & ((1U << *pNumValidPrefetchedBits) - 1) : reader.bits;
+    return status;
+}
+
+// False, with nothing changed but the block, if the fast path gives up. It refills when and as far as the careful path
+// does, so that nobody can tell by the bits prefetched which of the two was taken.
+bool decodeFast(const uint8_t* pSrc, int* pSrcBitsLen, int16_t* pDst, int16_t* pLastDC, uint32_t* pPrefetchedBits,
+                int* pNumValidPrefetchedBits, const DecodeTables& tables)
+{
+    FastReader reader(pSrc + (*pSrcBitsLen >> 3), RefillToMarker{}, *pPrefetchedBits, *pNumValidPrefetchedBits);
+    int16_t dc = *pLastDC;
+    if (decodeFast(reader, pDst, dc, tables) == 0)
+        return false;
+    *pSrcBitsLen = static_cast<int>((reader.position() - pSrc) * 8);
+    *pLastDC = dc;
+    *pPrefetchedBits = static_cast<uint32_t>(reader.bitBuffer());
+    *pNumValidPrefetchedBits = reader.numBits();
+    return true;
+}
+
 }  // namespace
 
 VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc, int* pSrcBitsLen, int16_t* pDst,
@@ -142,31 +182,14 @@ VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc, int* pS
     VEK_CHECK_POINTER(pDcTable);
     VEK_CHECK_POINTER(pAcTable);
 
-    for (int i = 0; i < 64; i += 16) storeU(pDst + i, _mm256_setzero_si256());
-    DirectReader reader = {pSrc, *pSrcBitsLen >> 3, *pMarker, *pPrefetchedBits, *pNumValidPrefetchedBits};
-    VekStatus status = vekStsOk;
-    const int symbol = decodeSymbol(*pDcTable, reader);
-    *pMarker = reader.marker;
-    if (symbol == noBitsLeft)
-        return vekStsOk;  // a block of zeros; the stream's position stays
-    if (symbol == noCode) {
-        status = vekStsJpegMarkerShort;
-    } else {
-        const int size = symbol & 15;
-        int diff = 0;
-        if (size != 0 && !decodeValue(size, reader, diff)) {
-            status = vekStsJpegOutOfBuffer;
-        } else {
-            *pLastDC = wrappedSum(*pLastDC, diff);
-            storeScalar(pDst, *pLastDC);
-            status = decodeAc(pDst, *pAcTable, reader);
-        }
+    const DecodeTables tables = {*pDcTable, *pAcTable};
+    clearBlock(pDst);
+    if (*pMarker == 0 && *pNumValidPrefetchedBits <= mostBitsBetweenBlocks) {
+        if (decodeFast(pSrc, pSrcBitsLen, pDst, pLastDC, pPrefetchedBits, pNumValidPrefetchedBits, tables))
+            return vekStsOk;
+        clearBlock(pDst);
     }
-    *pMarker = reader.marker;
-    *pSrcBitsLen = reader.position * 8;
-    *pPrefetchedBits = reader.bits;
-    *pNumValidPrefetchedBits = std::max(reader.count, 0);
-    return status;
+    return decodeCarefully(pSrc, pSrcBitsLen, pDst, pLastDC, pMarker, pPrefetchedBits, pNumValidPrefetchedBits, tables);
 }
 
 }  // namespace q3

@@ -1,4 +1,4 @@
-// The bit reader of the sequential decoder's fast path.
+// The bit reader of the sequential decoders' fast paths.
 #ifndef VEK_JPEG_ENTROPY_FAST_READER_H
 #define VEK_JPEG_ENTROPY_FAST_READER_H
 
@@ -12,24 +12,84 @@ inline int codeLength(uint32_t entry) { return static_cast<int>(entry >> 16); }
 inline int runOf(uint32_t entry) { return static_cast<int>(entry >> 4 & 15); }
 inline int sizeOf(uint32_t entry) { return static_cast<int>(entry & 15); }
 
-// A 64-bit accumulator whose oldest bit is bit 63; zeros follow its `count_` bits. It gives up, by returning false,
-// at a marker, a missing code, or fewer than eight bytes ahead of a refill.
+// Bits read ahead, oldest at bit 63; zeros follow the `count` of them.
+struct Accumulator {
+    uint64_t bits;
+    int count;
+};
+
+// Bytes one by one, without their stuffing, until there are more than 24 bits. False at a marker.
+inline bool refillBytewise(const uint8_t*& p, Accumulator& held)
+{
+    while (held.count <= 24) {
+        const uint64_t byte = *p++;
+        if (byte == 0xFF && *p++ != 0)
+            return false;
+        held.bits |= byte << (56 - held.count);
+        held.count += 8;
+    }
+    return true;
+}
+
+// The refill of a source that ends at `end`: as many bytes as fit if none of the next eight is 0xFF. False also where
+// fewer than eight are left.
+struct RefillToEnd {
+    static constexpr int beforeLongCode = 16;  // bits that are there before a code of 9 bits or more is searched
+    const uint8_t* end;
+
+    bool operator()(const uint8_t*& p, Accumulator& held) const
+    {
+        if (end - p < 8)
+            return false;
+        const uint64_t next = loadBigEndian64(p);
+        if (hasByteFF(next)) [[unlikely]]
+            return refillBytewise(p, held);
+        const int bytes = (64 - ((held.count + 7) & ~7)) / 8;
+        const uint64_t taken = bytes == 8 ? next : next & ~(~uint64_t{0} >> (8 * bytes));
+        held.bits |= taken >> held.count;
+        held.count += 8 * bytes;
+        p += bytes;
+        return true;
+    }
+};
+
+// The refill of a source that a marker ends, of 14 bits at most to 25 to 32. As long as the marker is ahead two bytes
+// are there, and if neither of them is 0xFF two more.
+struct RefillToMarker {
+    static constexpr int beforeLongCode = 9;
+
+    bool operator()(const uint8_t*& p, Accumulator& held) const
+    {
+        const uint32_t first = loadBigEndian16(p);
+        if (hasByteFF(first)) [[unlikely]]
+            return refillBytewise(p, held);
+        const uint32_t next = first << 16 | loadBigEndian16(p + 2);
+        if (hasByteFF(next)) [[unlikely]]
+            return refillBytewise(p, held);
+        const int taken = (32 - held.count) & ~7;
+        held.bits |= uint64_t{next >> (32 - taken)} << (64 - taken - held.count);
+        held.count += taken;
+        p += taken / 8;
+        return true;
+    }
+};
+
+// Gives up, by returning false, where its refill does and at a missing code.
+template <typename Refill>
 class FastReader {
 public:
-    FastReader(const uint8_t* p, const uint8_t* end, const VekDecodeHuffmanState& state)
-        : p_(p),
-          end_(end),
-          count_(state.numBits),
-          bits_(state.numBits == 0 ? 0 : static_cast<uint64_t>(state.bitBuffer) << (64 - state.numBits))
+    // `numBits` bits of the buffer, at most 32, are ahead of the bytes at p.
+    FastReader(const uint8_t* p, Refill refill, uint64_t bitBuffer, int numBits)
+        : p_(p), refill_(refill), held_{numBits == 0 ? 0 : bitBuffer << (64 - numBits), numBits}
     {
     }
 
     // The entry of the next symbol, also of one with a longer code than entries are stored for.
     bool symbol(const VekDecodeHuffmanSpec& table, uint32_t& entry)
     {
-        if (count_ < 8 && !refill()) [[unlikely]]
+        if (held_.count < 8 && !refill_(p_, held_)) [[unlikely]]
             return false;
-        entry = table.lookup[bits_ >> 56];
+        entry = table.lookup[held_.bits >> 56];
         // Size 0 is the rarer kind: one test on the usual way.
         return sizeOf(entry) != 0 || entry != 0 || longSymbol(table, entry);
     }
@@ -37,11 +97,11 @@ public:
     // A value of 1 to 15 bits.
     bool value(int size, int& v)
     {
-        if (count_ < size && !refill()) [[unlikely]]
+        if (held_.count < size && !refill_(p_, held_)) [[unlikely]]
             return false;
         // A clear top bit stands for a negative value.
-        const int64_t positive = static_cast<int64_t>(bits_) >> 63;
-        v = static_cast<int>(bits_ >> (64 - size)) +
+        const int64_t positive = static_cast<int64_t>(held_.bits) >> 63;
+        v = static_cast<int>(held_.bits >> (64 - size)) +
             static_cast<int>(~positive & own_jc_lowest_coef[static_cast<size_t>(size)]);
         drop(size);
         return true;
@@ -49,55 +109,33 @@ public:
 
     void drop(int n)
     {
-        bits_ <<= n;
-        count_ -= n;
+        held_.bits <<= n;
+        held_.count -= n;
     }
 
     // Gives the newest whole bytes above 32 bits back to the stream.
-    const uint8_t* finish(VekDecodeHuffmanState* pState)
+    void giveBackSurplus()
     {
-        if (count_ >= 32) {
-            const int surplus = ((count_ + 7) & ~7) - 32;
-            p_ -= surplus / 8;
-            count_ -= surplus;
-        }
-        pState->numBits = count_;
-        pState->bitBuffer = count_ == 0 ? 0 : bits_ >> (64 - count_);
-        return p_;
+        if (held_.count < 32)
+            return;
+        const int surplus = ((held_.count + 7) & ~7) - 32;
+        p_ -= surplus / 8;
+        held_.count -= surplus;
     }
+
+    const uint8_t* position() const { return p_; }  // behind the bits held
+    int numBits() const { return held_.count; }
+    uint64_t bitBuffer() const { return held_.count == 0 ? 0 : held_.bits >> (64 - held_.count); }
 
 private:
-    static constexpr int refillBytes = 8;
-
-    bool refill()
-    {
-        if (end_ - p_ < refillBytes)
-            return false;
-        const uint64_t next = loadBigEndian64(p_);
-        if (!hasByteFF(next)) [[likely]] {
-            const int bytes = (64 - ((count_ + 7) & ~7)) / 8;
-            const uint64_t taken = bytes == 8 ? next : next & ~(~uint64_t{0} >> (8 * bytes));
-            bits_ |= taken >> count_;
-            count_ += 8 * bytes;
-            p_ += bytes;
-            return true;
-        }
-        while (count_ <= 24) {
-            const uint64_t byte = *p_++;
-            if (byte == 0xFF && *p_++ != 0)
-                return false;
-            bits_ |= byte << (56 - count_);
-            count_ += 8;
-        }
-        return true;
-    }
-
     bool longSymbol(const VekDecodeHuffmanSpec& table, uint32_t& entry)
     {
-        if (count_ < 16 && !refill())
+        if (held_.count < Refill::beforeLongCode && !refill_(p_, held_))
             return false;
         for (int length = 9; length <= 16; ++length) {
-            const int code = static_cast<int>(bits_ >> (64 - length));
+            if (length > held_.count && !refillAsIfEmpty())
+                return false;
+            const int code = static_cast<int>(held_.bits >> (64 - length));
             if (code <= lastCode(table, length)) {
                 entry = static_cast<uint32_t>(length << 16 | symbolOf(table, length, code));
                 return true;
@@ -106,10 +144,19 @@ private:
         return false;
     }
 
+    bool refillAsIfEmpty()
+    {
+        Accumulator more = {0, 0};
+        if (!refill_(p_, more))
+            return false;
+        held_.bits |= more.bits >> held_.count;
+        held_.count += more.count;
+        return true;
+    }
+
     const uint8_t* p_;
-    const uint8_t* end_;
-    int count_;
-    uint64_t bits_;
+    Refill refill_;
+    Accumulator held_;
 };
 
 }  // namespace q3

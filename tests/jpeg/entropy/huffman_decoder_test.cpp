@@ -7,28 +7,14 @@
 
 namespace {
 
+using huffman::annexK;
 using huffman::Block;
+using huffman::streamOf;
 using huffman::Tables;
 using support::Guard;
 using support::GuardedArray;
 using support::GuardedBytes;
 using support::Random;
-
-Tables annexK() { return {huffman::luminanceDc(), huffman::luminanceAc()}; }
-
-// Blocks as a stream, padded, without a marker behind it.
-std::vector<uint8_t> streamOf(const std::vector<Block>& blocks, const Tables& tables)
-{
-    model::Output out;
-    out.bytes.resize(blocks.size() * 600 + 16);
-    model::EncoderState state;
-    int16_t dc = 0;
-    for (const Block& block : blocks)
-        EXPECT_EQ(vekStsOk, model::encodeBlock(block, out, dc, tables.modelEncodeDc, tables.modelEncodeAc, state));
-    model::flush(out, state);
-    out.bytes.resize(static_cast<size_t>(out.position));
-    return out.bytes;
-}
 
 // One stream read twice, by the library and by the model; everything is compared after every block. The stream ends at
 // an unmapped page.
@@ -306,156 +292,6 @@ TEST(HuffmanDecoder, ARunBeyondTheGuardsIsACoefficientOverrun)
         bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
     TwoReaders readers(tables, bytes);
     EXPECT_EQ(vekStsJpegCoefOverrun, readers.decode());
-}
-
-// The form without a state gives the same blocks, and its true position is the same.
-TEST(HuffmanDecoderDirect, ReadsTheSameBlocksUpToTheMarker)
-{
-    Random random(4);
-    for (int round = 0; round < 100; ++round) {
-        const Tables tables =
-            round % 3 == 0 ? annexK() : Tables(huffman::randomLists(random, 256), huffman::randomLists(random, 256));
-        std::vector<Block> blocks;
-        for (int i = 0; i < 40; ++i) blocks.push_back(huffman::randomBlock(random, random.in(0, 2)));
-        std::vector<uint8_t> stream = streamOf(blocks, tables);
-        stream.push_back(0xFF);
-        stream.push_back(0xD9);
-        GuardedBytes bytes(stream.size());
-        std::copy(stream.begin(), stream.end(), bytes.data());
-        TwoReaders readers(tables, stream);
-        int position = 0;
-        int16_t dc = 0;
-        int marker = 0;
-        uint32_t prefetched = 0;
-        int numPrefetched = 0;
-        for (const Block& expected : blocks) {
-            GuardedBytes memory(sizeof(Block), Guard::Behind, random.in<size_t>(0, 3));
-            ASSERT_EQ(vekStsOk, vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
-                                    bytes.data(), &position, reinterpret_cast<int16_t*>(memory.data()), &dc, &marker,
-                                    &prefetched, &numPrefetched, &tables.decodeDc, &tables.decodeAc));
-            ASSERT_EQ(0, std::memcmp(expected.data(), memory.data(), sizeof expected));
-            ASSERT_EQ(0, position % 8);
-            readers.decode();
-        }
-        ASSERT_TRUE(marker == 0 || marker == 0xD9);
-        for (int i = 0; i < 3 && marker == 0; ++i) {  // padding, then nothing
-            Block block;
-            vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(bytes.data(), &position, block.data(), &dc, &marker, &prefetched,
-                                                      &numPrefetched, &tables.decodeDc, &tables.decodeAc);
-        }
-        EXPECT_EQ(0xD9, marker);
-    }
-}
-
-TEST(HuffmanDecoderDirect, AMarkerAtOnceIsAQuietBlockOfZeros)
-{
-    const Tables tables = annexK();
-    GuardedBytes bytes(2);
-    bytes.data()[0] = 0xFF;
-    bytes.data()[1] = 0xD0;
-    int position = 0;
-    Block block;
-    block.fill(3);
-    int16_t dc = 9;
-    int marker = 0;
-    uint32_t prefetched = 0;
-    int numPrefetched = 0;
-    EXPECT_EQ(vekStsOk, vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(bytes.data(), &position, block.data(), &dc, &marker,
-                                                                  &prefetched, &numPrefetched, &tables.decodeDc,
-                                                                  &tables.decodeAc));
-    EXPECT_EQ(Block{}, block);
-    EXPECT_EQ(0, position);
-    EXPECT_EQ(0xD0, marker);
-    EXPECT_EQ(9, dc);
-}
-
-TEST(HuffmanDecoderDirect, AMarkerEndsABlockQuietlyButNotAMagnitude)
-{
-    const Tables tables(huffman::lists({0, 0, 0, 0, 0, 0, 0, 1}, {8}), huffman::lists({1}, {0x01}));
-    const auto decode = [&](std::vector<uint8_t> stream, int& position, int& numPrefetched, Block& block) {
-        int16_t dc = 0;
-        int marker = 0;
-        uint32_t prefetched = 0;
-        position = numPrefetched = 0;
-        GuardedBytes bytes(stream.size());
-        std::copy(stream.begin(), stream.end(), bytes.data());
-        return vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(bytes.data(), &position, block.data(), &dc, &marker,
-                                                         &prefetched, &numPrefetched, &tables.decodeDc,
-                                                         &tables.decodeAc);
-    };
-    int position = 0;
-    int numPrefetched = 0;
-    Block block;
-    EXPECT_EQ(vekStsJpegOutOfBuffer, decode({0x00, 0xFF, 0xD9}, position, numPrefetched, block));
-    EXPECT_EQ(24, position);
-    EXPECT_EQ(vekStsOk, decode({0x00, 0x80, 0xFF, 0xD9}, position, numPrefetched, block));
-    EXPECT_EQ(128, block[0]);
-    EXPECT_EQ(32, position);
-    EXPECT_EQ(0, numPrefetched);
-}
-
-TEST(HuffmanDecoderDirect, ReadsNothingBehindTheMarker)
-{
-    Random random(5);
-    for (int round = 0; round < 3000; ++round) {
-        const Tables tables(huffman::randomLists(random, random.in(1, 256)),
-                            huffman::randomLists(random, random.in(1, 256)));
-        std::vector<uint8_t> stream(random.in<size_t>(0, 90));
-        for (uint8_t& b : stream) b = random.any<uint8_t>();
-        for (size_t i = 0; i < stream.size(); ++i)
-            if (stream[i] == 0xFF)
-                stream[i] = 0xFE;
-        stream.insert(stream.end(), {0xFF, 0xD9});
-        GuardedBytes bytes(stream.size());  // the marker's last byte is the last before an unmapped page
-        std::copy(stream.begin(), stream.end(), bytes.data());
-        int position = 0;
-        int16_t dc = 0;
-        int marker = 0;
-        uint32_t prefetched = 0;
-        int numPrefetched = 0;
-        for (int i = 0; i < 10; ++i) {
-            Block block;
-            const VekStatus status = vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
-                bytes.data(), &position, block.data(), &dc, &marker, &prefetched, &numPrefetched, &tables.decodeDc,
-                &tables.decodeAc);
-            ASSERT_TRUE(status == vekStsOk || status == vekStsJpegOutOfBuffer || status == vekStsJpegMarkerShort ||
-                        status == vekStsJpegCoefOverrun);
-            ASSERT_LE(position, 8 * static_cast<int>(stream.size()));
-            ASSERT_GE(numPrefetched, 0);
-            ASSERT_LE(numPrefetched, 32);
-        }
-    }
-}
-
-TEST(HuffmanDecoderDirect, ChecksItsArgumentsInOrder)
-{
-    const Tables tables = annexK();
-    const uint8_t bytes[4] = {0xFF, 0xD9};
-    Block block;
-    block.fill(7);
-    int16_t dc = 5;
-    int marker = 0;
-    uint32_t prefetched = 0;
-    int bad = -1;
-    int zero = 0;
-    const auto* const t = &tables.decodeDc;
-    const auto call = [&](const uint8_t* src, int* pos, int16_t* dst, int16_t* last, int* mark, uint32_t* pre, int* num,
-                          const VekDecodeHuffmanSpec* dcTable, const VekDecodeHuffmanSpec* acTable) {
-        return vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(src, pos, dst, last, mark, pre, num, dcTable, acTable);
-    };
-    int16_t* const dst = block.data();
-    EXPECT_EQ(vekStsNullPointer, call(nullptr, &bad, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(vekStsBadArgument, call(bytes, &bad, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, nullptr, &dc, &marker, &prefetched, &bad, t, t));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, nullptr, &marker, &prefetched, &bad, t, t));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, nullptr, &prefetched, &bad, t, t));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, nullptr, &bad, t, t));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, &prefetched, nullptr, t, t));
-    EXPECT_EQ(vekStsBadArgument, call(bytes, &zero, dst, &dc, &marker, &prefetched, &bad, nullptr, nullptr));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, &prefetched, &zero, nullptr, t));
-    EXPECT_EQ(vekStsNullPointer, call(bytes, &zero, dst, &dc, &marker, &prefetched, &zero, t, nullptr));
-    EXPECT_EQ(7, block[0]);
 }
 
 }  // namespace

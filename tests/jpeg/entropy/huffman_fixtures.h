@@ -2,6 +2,8 @@
 #ifndef VEK_TESTS_JPEG_ENTROPY_HUFFMAN_FIXTURES_H
 #define VEK_TESTS_JPEG_ENTROPY_HUFFMAN_FIXTURES_H
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cstring>
 #include <vector>
@@ -81,6 +83,22 @@ struct Tables {
         model::buildDecodeTable(ac, modelDecodeAc);
     }
 };
+
+inline Tables annexK() { return {luminanceDc(), luminanceAc()}; }
+
+// Blocks as a stream, padded, without a marker behind it.
+inline std::vector<uint8_t> streamOf(const std::vector<Block>& blocks, const Tables& tables)
+{
+    model::Output out;
+    out.bytes.resize(blocks.size() * 600 + 16);
+    model::EncoderState state;
+    int16_t dc = 0;
+    for (const Block& block : blocks)
+        EXPECT_EQ(vekStsOk, model::encodeBlock(block, out, dc, tables.modelEncodeDc, tables.modelEncodeAc, state));
+    model::flush(out, state);
+    out.bytes.resize(static_cast<size_t>(out.position));
+    return out.bytes;
+}
 
 // Blocks as quantisation leaves them (kind 0, 1), with many and large coefficients (2), and of any value (3).
 inline Block randomBlock(support::Random& random, int kind)

@@ -65,6 +65,17 @@ struct DecoderState {
 VekStatus decodeBlock(Input& in, std::array<int16_t, 64>& block, int16_t& lastDc, const DecodeTable& dc,
                       const DecodeTable& ac, DecoderState& state);
 
+// A source that a marker ends, with the bits read ahead: at most 32, the newest in bit 0.
+struct DirectInput {
+    const uint8_t* bytes;
+    int bitPosition = 0;
+    int marker = 0;
+    uint32_t prefetched = 0;
+    int numPrefetched = 0;
+};
+VekStatus decodeDirect(DirectInput& in, std::array<int16_t, 64>& block, int16_t& lastDc, const DecodeTable& dc,
+                       const DecodeTable& ac);
+
 }  // namespace model
 
 #endif
