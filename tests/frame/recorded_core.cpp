@@ -9,6 +9,7 @@ namespace recorded {
 
 Call callsAtLoad[8];
 int mallocCalls;
+bool mallocFails;
 int32_t lastMallocLength;
 void* lastFreed;
 int freeCalls;
@@ -48,6 +49,8 @@ void* vekMalloc(int32_t length)
 {
     ++recorded::mallocCalls;
     recorded::lastMallocLength = length;
+    if (recorded::mallocFails)
+        return nullptr;
     return std::malloc(static_cast<size_t>(length));
 }
 

@@ -10,6 +10,7 @@ enum class Call : uint8_t { None, CpuFeatures, CpuFeaturesWithPointers, EnabledF
 
 extern Call callsAtLoad[8];  // the calls made before main, in their order
 extern int mallocCalls;
+extern bool mallocFails;
 extern int32_t lastMallocLength;
 extern void* lastFreed;
 extern int freeCalls;

@@ -7,12 +7,11 @@
 
 namespace {
 
+using huffman::annexK;
 using huffman::Block;
 using huffman::Tables;
 using support::GuardedArray;
 using support::Random;
-
-Tables annexK() { return {huffman::luminanceDc(), huffman::luminanceAc()}; }
 
 // A stream that is written twice, by the library and by the model, with the same room.
 class TwoStreams {
