@@ -49,7 +49,7 @@ VekStatus ownveksDivCRev_16u(const uint16_t* pSrc, uint16_t value, uint16_t* pDs
     const __m256 value32f = _mm256_set1_ps(static_cast<float>(value));
     __m256i zeros = zero;
     int i = 0;
-    for (; i + 16 <= len; i += 16) {
+    for (; i <= len - 16; i += 16) {
         const __m256i d = loadU(pSrc + i);
         const __m256i isZero = _mm256_cmpeq_epi16(d, zero);
         const __m256i divisors = _mm256_sub_epi16(d, isZero);  // 1 for 0: a division by it may trap
@@ -109,7 +109,7 @@ void ownsMul_16u16s_PosSfs(const uint16_t* pTable, const int16_t* pSrc, int16_t*
 {
     int i = 0;
     if (scaleFactor == 15)
-        for (; i + 16 <= len; i += 16) storeU(pDst + i, mulQ15TiesToEven(loadU(pSrc + i), loadU(pTable + i)));
+        for (; i <= len - 16; i += 16) storeU(pDst + i, mulQ15TiesToEven(loadU(pSrc + i), loadU(pTable + i)));
     const int shift = std::min(scaleFactor, 62);  // every product is below 2^32: more makes no difference
     for (; i < len; ++i) {
         const int64_t product = int64_t{loadScalar<int16_t>(pSrc + i)} * loadScalar<uint16_t>(pTable + i);

@@ -30,7 +30,7 @@ bool reachesCache(int64_t length)
 uint8_t* ownsCopy_8u_AVX(const uint8_t* pSrc, uint8_t* pDst, int64_t len)
 {
     int64_t i = 0;
-    for (; i + 128 <= len; i += 128) {
+    for (; i <= len - 128; i += 128) {
         const __m256i a = loadU(pSrc + i);
         const __m256i b = loadU(pSrc + i + 32);
         const __m256i c = loadU(pSrc + i + 64);
@@ -40,7 +40,7 @@ uint8_t* ownsCopy_8u_AVX(const uint8_t* pSrc, uint8_t* pDst, int64_t len)
         storeU(pDst + i + 64, c);
         storeU(pDst + i + 96, d);
     }
-    for (; i + 32 <= len; i += 32) storeU(pDst + i, loadU(pSrc + i));
+    for (; i <= len - 32; i += 32) storeU(pDst + i, loadU(pSrc + i));
     std::memcpy(pDst + i, pSrc + i, static_cast<size_t>(len - i));
     return pDst;
 }
@@ -60,7 +60,7 @@ void fillPastCache(uint8_t* pDst, int64_t len, __m256i pattern)
     storeU(pDst, pattern);
     storeU(pDst + 32, pattern);
     int64_t i = head;
-    for (; i + 64 <= len; i += 64) {
+    for (; i <= len - 64; i += 64) {
         _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i), pattern);
         _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i + 32), pattern);
     }
@@ -73,7 +73,7 @@ void fillPlain(uint8_t* pDst, int64_t len, uint8_t value)
 {
     const __m256i v = _mm256_set1_epi8(static_cast<int8_t>(value));
     int64_t i = 0;
-    for (; i + 32 <= len; i += 32) storeU(pDst + i, v);
+    for (; i <= len - 32; i += 32) storeU(pDst + i, v);
     std::memset(pDst + i, value, static_cast<size_t>(len - i));
 }
 
@@ -95,7 +95,7 @@ void streamRow(const uint8_t* pSrc, uint8_t* pDst, int64_t len)
     const int64_t head = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(pDst) & 31);
     std::memcpy(pDst, pSrc, static_cast<size_t>(head));
     int64_t i = head;
-    for (; i + 32 <= len; i += 32) _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i), loadU(pSrc + i));
+    for (; i <= len - 32; i += 32) _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i), loadU(pSrc + i));
     std::memcpy(pDst + i, pSrc + i, static_cast<size_t>(len - i));
 }
 
@@ -122,7 +122,7 @@ void widenRow(const uint8_t* pSrc, int16_t* pDst, int64_t len)
     const bool stream = PastCache && isAligned(pDst, 2);
     if (stream)
         for (; i < len && !isAligned(pDst + i, 32); ++i) pDst[i] = pSrc[i];
-    for (; i + 16 <= len; i += 16) {
+    for (; i <= len - 16; i += 16) {
         const __m256i words = _mm256_cvtepu8_epi16(loadU128(pSrc + i));
         if (stream)
             _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i), words);
@@ -136,7 +136,7 @@ void ownic_AndC_32s_C1R(const int32_t* pSrc, int32_t value, int32_t* pDst, int w
 {
     const __m256i mask = _mm256_set1_epi32(value);
     int x = 0;
-    for (; x + 8 <= width; x += 8) storeU(pDst + x, _mm256_and_si256(loadU(pSrc + x), mask));
+    for (; x <= width - 8; x += 8) storeU(pDst + x, _mm256_and_si256(loadU(pSrc + x), mask));
     for (; x < width; ++x) storeScalar(pDst + x, loadScalar<int32_t>(pSrc + x) & value);
 }
 
@@ -189,7 +189,7 @@ void ownsSet_32s(int32_t value, int32_t* pDst, int len)
         const int head = static_cast<int>(-reinterpret_cast<uintptr_t>(pDst) & 31) / 4;
         storeU(pDst, v);
         int i = head;
-        for (; i + 16 <= len; i += 16) {
+        for (; i <= len - 16; i += 16) {
             _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i), v);
             _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i + 8), v);
         }
@@ -199,7 +199,7 @@ void ownsSet_32s(int32_t value, int32_t* pDst, int len)
         return;
     }
     int i = 0;
-    for (; i + 8 <= len; i += 8) storeU(pDst + i, v);
+    for (; i <= len - 8; i += 8) storeU(pDst + i, v);
     for (; i < len; ++i) storeScalar(pDst + i, value);
 }
 

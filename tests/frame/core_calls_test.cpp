@@ -106,6 +106,16 @@ TEST(ParallelRule, TheThreadCountIsReadOnce)
     EXPECT_EQ(1, runRows({128, 64}, 3).asked);
 }
 
+TEST(ParallelRule, NoThreadOrFewerCountAsOne)
+{
+    for (const int none : {0, -1, INT32_MIN}) {
+        const Report whole = runRows({8193, 3}, none);
+        EXPECT_EQ(1, whole.threads);
+        EXPECT_EQ((std::vector<int>{0, 0, 0}), whole.threadOfRow);
+        EXPECT_EQ((std::vector<int>{0, 1, 2}), whole.turnOfRow);
+    }
+}
+
 TEST(ParallelRule, ThreadsTakeContiguousSlicesOfNearlyEqualSizeTopToBottom)
 {
     for (const int threads : {1, 2, 3, 7}) {

@@ -39,7 +39,7 @@ template <int Predictor>
 void addOffsets(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width)
 {
     int i = 1;
-    for (; i + lanes <= width; i += lanes) {
+    for (; i <= width - lanes; i += lanes) {
         const __m256i o = offset<Predictor>(loadU(pPrevRow + i), loadU(pPrevRow + i - 1));
         storeU(pDst + i, _mm256_add_epi16(loadU(pSrc + i), o));
     }
@@ -64,7 +64,7 @@ void sumOffsets(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int
     int i = 1;
     __m256i carry = _mm256_set1_epi16(pDst[0]);
     const __m256i lastWord = _mm256_set1_epi16(0x0F0E);
-    for (; i + lanes <= width; i += lanes) {
+    for (; i <= width - lanes; i += lanes) {
         __m256i step = loadU(pSrc + i);
         if constexpr (Predictor != 1)
             step = _mm256_add_epi16(step, offset<Predictor>(loadU(pPrevRow + i), loadU(pPrevRow + i - 1)));

@@ -37,7 +37,7 @@ Columns<Byte, Rows, PixelBytes, 1> rowsOf(Byte* p, int step, int y)
 template <int Rows, typename Convert>
 VekStatus forEachGroup(VekSize roiSize, const Convert& convert)
 {
-    for (int y = 0; y + Rows <= roiSize.height; y += Rows) convert(y);
+    for (int y = 0; y <= roiSize.height - Rows; y += Rows) convert(y);
     return warnIfOdd<Rows>(roiSize);
 }
 

@@ -86,7 +86,7 @@ void ownjc_YCbCr422ToRGB_JPEG_8u_C2C3(const uint8_t* pSrc, uint8_t* pDst, int wi
             storeC3<Order::RGB>(d[0], apply(luma, off));
         },
         src, dst);
-    for (int x = split; x + 2 <= width; x += 2) {
+    for (int x = split; x <= width - 2; x += 2) {
         const uint8_t* const pair = src.at(x)[0];
         for (int i = 0; i < 2; ++i) {
             const Pixel p = rgbByRoundedProducts(pair[2 * i], pair[1], pair[3]);

@@ -74,7 +74,7 @@ template <typename Kernel, typename... Operands>
 inline void forEachBlock(int count, const Kernel& kernel, Operands... operands)
 {
     int x = 0;
-    for (; x + columnsPerBlock <= count; x += columnsPerBlock) kernel(operands.at(x)...);
+    for (; x <= count - columnsPerBlock; x += columnsPerBlock) kernel(operands.at(x)...);
     if (x == count)
         return;
     std::tuple<BlockBuffer<Operands>...> buffers;

@@ -23,7 +23,7 @@ void ownjc_Sub128_JPEG_8u16s_C1(const uint8_t* pSrc, int16_t* pDst, int len)
     const __m256i bias = _mm256_set1_epi16(128);
     const auto shifted = [&](int i) { return _mm256_sub_epi16(_mm256_cvtepu8_epi16(loadU128(pSrc + i)), bias); };
     int i = 0;
-    for (; i + 64 <= len; i += 64) {
+    for (; i <= len - 64; i += 64) {
         prefetchAhead(pSrc + i);
         prefetchAhead(pDst + i);
         prefetchAhead(pDst + i + 32);
@@ -32,7 +32,7 @@ void ownjc_Sub128_JPEG_8u16s_C1(const uint8_t* pSrc, int16_t* pDst, int len)
         storeU(pDst + i + 32, shifted(i + 32));
         storeU(pDst + i + 48, shifted(i + 48));
     }
-    for (; i + 16 <= len; i += 16) storeU(pDst + i, shifted(i));
+    for (; i <= len - 16; i += 16) storeU(pDst + i, shifted(i));
     for (; i < len; ++i) storeScalar(pDst + i, static_cast<int16_t>(pSrc[i] - 128));
 }
 
@@ -45,14 +45,14 @@ void ownjc_Add128_JPEG_16s8u_C1(const int16_t* pSrc, uint8_t* pDst, int len)
         return _mm256_xor_si256(_mm256_permute4x64_epi64(bytes, 0xD8), signBit);
     };
     int i = 0;
-    for (; i + 64 <= len; i += 64) {
+    for (; i <= len - 64; i += 64) {
         prefetchAhead(pSrc + i);
         prefetchAhead(pSrc + i + 32);
         prefetchAhead(pDst + i);
         storeU(pDst + i, shifted(i));
         storeU(pDst + i + 32, shifted(i + 32));
     }
-    for (; i + 32 <= len; i += 32) storeU(pDst + i, shifted(i));
+    for (; i <= len - 32; i += 32) storeU(pDst + i, shifted(i));
     for (; i < len; ++i) pDst[i] = static_cast<uint8_t>(std::clamp(loadScalar<int16_t>(pSrc + i) + 128, 0, 255));
 }
 

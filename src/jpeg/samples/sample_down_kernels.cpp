@@ -37,11 +37,11 @@ inline void sampleDown(const Rows rows, uint8_t* pDst, int count)
     const __m256i bias = _mm256_set1_epi32(Rows::bias(0) | Rows::bias(1) << 16);
     const auto means = [&](int j) { return _mm256_srli_epi16(_mm256_add_epi16(rows.sums(j), bias), Rows::shift); };
     int j = 0;
-    for (; j + 32 <= count; j += 32) {
+    for (; j <= count - 32; j += 32) {
         const __m256i packed = _mm256_packus_epi16(means(j), means(j + 16));  // 0-7, 16-23 | 8-15, 24-31
         storeU(pDst + j, _mm256_permute4x64_epi64(packed, 0xD8));
     }
-    if (j + 16 <= count) {
+    if (j <= count - 16) {
         const __m256i m = means(j);
         storeU128(pDst + j, _mm_packus_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1)));
         j += 16;

@@ -85,7 +85,7 @@ template <typename Rows>
 inline void sampleUpPairs(const Rows rows, uint8_t* pDst, int begin, int end)
 {
     int i = begin;
-    for (; i + 32 <= end; i += 32) rows.store32(i, pDst + 2 * int64_t{i});
+    for (; i <= end - 32; i += 32) rows.store32(i, pDst + 2 * int64_t{i});
     if (i < end && end - begin >= 32) {  // a last vector that overlaps the one before
         i = end - 32;
         rows.store32(i, pDst + 2 * int64_t{i});

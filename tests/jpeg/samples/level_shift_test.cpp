@@ -9,6 +9,7 @@
 #include "reference/jpeg/quantisation.h"
 #include "support/generators.h"
 #include "support/guarded_buffer.h"
+#include "support/repeated_bytes.h"
 #include "support/sanitizers.h"
 #include "vekj/jpeg_samples.h"
 
@@ -151,6 +152,22 @@ TYPED_TEST(LevelShift, AStepShorterThanTheRowIsNoError)
     std::vector<typename TypeParam::To> destination(64, 0);
     EXPECT_EQ(vekStsOk, TypeParam::call(source.data(), 1, destination.data(), 2, {4, 1}));
     EXPECT_EQ(TypeParam::expected(5), destination[3]);
+}
+
+// Gigabytes of addresses, too many for a sanitizer's shadow.
+TYPED_TEST(LevelShift, TheWidestRow)
+{
+    constexpr int width = support::underSanitizer ? 1 << 24 : INT32_MAX;
+    using From = typename TypeParam::From;
+    using To = typename TypeParam::To;
+    support::RepeatedBytes source(width * sizeof(From));
+    support::RepeatedBytes destination(width * sizeof(To));
+    std::memset(source.data(), 1, source.period);
+    const auto* const from = reinterpret_cast<const From*>(source.data());
+    auto* const to = reinterpret_cast<To*>(destination.data());
+    recorded::numThreads = 1;
+    ASSERT_EQ(vekStsOk, TypeParam::call(from, 1, to, 1, {width, 1}));
+    for (size_t i = 0; i < destination.period / sizeof(To); ++i) ASSERT_EQ(TypeParam::expected(from[0]), to[i]);
 }
 
 TEST(LevelShiftDown, EveryByte)
