@@ -45,11 +45,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (size == 0 || size > longestFile)
         return 0;
     const std::vector<uint8_t> file(data, data + size);  // its end is the end of its memory
-    const Outcome whole = decode(file, {1, 1});
-    const Outcome reduced = decode(file, {2 << data[size - 1] % 3, 1});
+    const int choice = data[size - 1];
+    const auto upsampling = choice >= 128 ? vekpix::jpeg::Upsampling::Box : vekpix::jpeg::Upsampling::Smooth;
+    const Outcome whole = decode(file, {1, 1, upsampling});
+    const Outcome reduced = decode(file, {2 << choice % 3, 1, upsampling});
     if (whole.failed != reduced.failed)
         std::abort();
-    const Outcome shared = decode(file, {1, 2});
+    const Outcome shared = decode(file, {1, 2, upsampling});
     if (whole.failed != shared.failed || (!whole.failed && whole.hash != shared.hash))
         std::abort();
     std::ostringstream text;

@@ -84,6 +84,6 @@ row "$large" large_q75_420_restart --quality 75 --sampling 420 --restart 256
 row "$large" large_q75_420 --quality 75 --sampling 420
 rm "$demo"/large_*.ppm
 echo
-echo "djpeg smooths the chroma that it enlarges (422, 420), vekpix repeats it. The photographs are read from PNG files,"
+echo "Both smooth the chroma that they enlarge (422, 420). The photographs are read from PNG files,"
 echo "the large picture from a PPM file; a time is that of the whole program, on $(nproc) processors."
 echo "Files to look at: $demo"

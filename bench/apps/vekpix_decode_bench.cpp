@@ -79,10 +79,15 @@ void decode(benchmark::State& state, const std::vector<uint8_t>& bytes, const ve
 
 static void BM_vekpix_decode(benchmark::State& state)
 {
+    decode(state, file(state.range(0), static_cast<int>(state.range(1))), {1, 1, vekpix::jpeg::Upsampling::Box});
+}
+
+static void BM_vekpix_decode_smooth(benchmark::State& state)
+{
     decode(state, file(state.range(0), static_cast<int>(state.range(1))), {});
 }
 
-static void BM_peer_decode(benchmark::State& state)
+static void decodeByPeer(benchmark::State& state, bool smooth)
 {
     const std::vector<uint8_t>& bytes = file(state.range(0), static_cast<int>(state.range(1)));
     const std::unique_ptr<uint8_t[]> pixels(new uint8_t[static_cast<size_t>(width) * height * 3]);
@@ -94,7 +99,7 @@ static void BM_peer_decode(benchmark::State& state)
         jpeg_mem_src(&codec, bytes.data(), static_cast<unsigned long>(bytes.size()));
         jpeg_read_header(&codec, TRUE);
         codec.dct_method = JDCT_ISLOW;
-        codec.do_fancy_upsampling = FALSE;
+        codec.do_fancy_upsampling = smooth ? TRUE : FALSE;
         jpeg_start_decompress(&codec);
         const size_t step = static_cast<size_t>(codec.output_width) * static_cast<size_t>(codec.output_components);
         JSAMPROW rows[16];
@@ -108,6 +113,10 @@ static void BM_peer_decode(benchmark::State& state)
     }
     countPixels(state, bytes);
 }
+
+static void BM_peer_decode(benchmark::State& state) { decodeByPeer(state, false); }
+
+static void BM_peer_decode_smooth(benchmark::State& state) { decodeByPeer(state, true); }
 
 static void BM_vekpix_decode_threads(benchmark::State& state)
 {
@@ -125,8 +134,16 @@ static void kindsAndQualities(benchmark::internal::Benchmark* bench)
     for (const int64_t kind : {Yuv420, Yuv422, Yuv444, Yuv440, Grey})
         for (const int64_t quality : {75, 90}) bench->Args({kind, quality});
 }
+static void subsampledKinds(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgNames({"kind", "quality"})->Unit(benchmark::kMillisecond);
+    for (const int64_t kind : {Yuv420, Yuv422, Yuv440})
+        for (const int64_t quality : {75, 90}) bench->Args({kind, quality});
+}
 BENCHMARK(BM_vekpix_decode)->Apply(kindsAndQualities);
 BENCHMARK(BM_peer_decode)->Apply(kindsAndQualities);
+BENCHMARK(BM_vekpix_decode_smooth)->Apply(subsampledKinds);
+BENCHMARK(BM_peer_decode_smooth)->Apply(subsampledKinds);
 BENCHMARK(BM_vekpix_decode_threads)
     ->ArgNames({"threads", "restart_rows"})
     ->ArgsProduct({{1, 2}, {0, 1}})

@@ -20,6 +20,7 @@ struct DecodeArguments {
     std::string output;
     int scale = 1;
     int threads = 0;
+    std::string upsampling = "smooth";
 };
 
 // Calls `read`; its Error also tells the file.
@@ -50,6 +51,7 @@ void decode(const DecodeArguments& arguments)
     const std::vector<uint8_t> file = readFile(arguments.input);
     jpeg::DecodeOptions options;
     options.scale = arguments.scale;
+    options.upsampling = arguments.upsampling == "box" ? jpeg::Upsampling::Box : jpeg::Upsampling::Smooth;
     options.threads = arguments.threads == 0 ? ownGetNumThreads() : arguments.threads;
     const auto decoder = reading(arguments.input, [&] { return std::make_unique<jpeg::Decoder>(file, options); });
     OutputFile output(arguments.output);
@@ -70,6 +72,11 @@ void addDecodeCommand(CLI::App& app)
     command->add_option("output", arguments->output, "PNG, PPM or PGM file")->required();
     command->add_option("--scale", arguments->scale, "divides width and height")
         ->check(CLI::IsMember({1, 2, 4, 8}))
+        ->capture_default_str();
+    command
+        ->add_option("--upsampling", arguments->upsampling,
+                     "chroma with fewer samples: smooth by a triangle filter, box by replication")
+        ->check(CLI::IsMember({"smooth", "box"}))
         ->capture_default_str();
     command->add_option("--threads", arguments->threads, "threads to work with; 0 for all processors")
         ->check(CLI::Range(0, 256))

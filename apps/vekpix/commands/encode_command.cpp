@@ -17,6 +17,7 @@ struct EncodeArguments {
     std::string input;
     std::string output;
     std::string sampling = "420";
+    std::string downsampling = "blocks";
     jpeg::EncodeOptions options;
 };
 
@@ -37,6 +38,8 @@ void runEncode(EncodeArguments arguments)
     if (arguments.options.threads == 0)
         arguments.options.threads = ownGetNumThreads();
     arguments.options.sampling = samplingNamed(arguments.sampling);
+    if (arguments.downsampling == "rows")
+        arguments.options.downsampling = jpeg::ChromaDownsampling::Rows;
     arguments.options.onRows = [&](int rows) { progress.advance(rows); };
     jpeg::encode(*picture, file, arguments.options);
     file.commit();
@@ -58,6 +61,11 @@ void addEncodeCommand(CLI::App& app)
         ->capture_default_str();
     command->add_option("--sampling", arguments->sampling, "chroma samples: 444 all, 422 half, 420 a quarter")
         ->check(CLI::IsMember({"444", "422", "420"}))
+        ->capture_default_str();
+    command
+        ->add_option("--downsampling", arguments->downsampling,
+                     "how 422 and 420 average chroma: blocks from exact values, rows from bytes as other encoders do")
+        ->check(CLI::IsMember({"blocks", "rows"}))
         ->capture_default_str();
     command->add_option("--restart", options.restartInterval, "restart marker every N MCUs; 0 for none")
         ->check(CLI::Range(0, 65535))

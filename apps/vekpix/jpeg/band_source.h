@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jpeg/coefficient_store.h"
+#include "jpeg/decoder.h"
 #include "jpeg/marker_reader.h"
 
 namespace vekpix::jpeg {
@@ -43,12 +44,12 @@ public:
     virtual std::optional<int> markerBehind() const = 0;
 };
 
-// Three colours in one scan with 4:4:4, 4:2:2 or 4:2:0 sampling: each MCU goes from its bits to its pixels at once.
-// Null if the picture is of another kind.
-std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, int threads);
+// Three colours in one scan with 4:4:4 sampling, or 4:2:2 or 4:2:0 with replicated chroma, at full size: each MCU goes
+// from its bits to its pixels at once. Null for anything else.
+std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, const DecodeOptions& options);
 
-// Every other picture, and every reduced one: planes of samples of each component, a band high.
-std::unique_ptr<BandSource> makePlaneBands(const Picture& picture, int scale);
+// Every picture: planes of samples of each component, a band high.
+std::unique_ptr<BandSource> makePlaneBands(const Picture& picture, const DecodeOptions& options);
 
 }  // namespace vekpix::jpeg
 

@@ -85,10 +85,9 @@ Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)
     width_ = divideUp(picture.frame.width, options.scale);
     height_ = divideUp(picture.frame.height, options.scale);
     channels_ = picture.colours == ColourModel::Grey ? 1 : 3;
-    if (options.scale == 1)
-        source_ = makeMcuBands(picture, options.threads);
+    source_ = makeMcuBands(picture, options);
     if (!source_)
-        source_ = makePlaneBands(picture, options.scale);
+        source_ = makePlaneBands(picture, options);
 }
 
 Decoder::~Decoder() = default;

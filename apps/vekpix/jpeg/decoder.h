@@ -9,9 +9,16 @@
 
 namespace vekpix::jpeg {
 
+// What becomes of components with fewer samples than the picture has pixels.
+enum class Upsampling {
+    Smooth,  // a triangle filter where there are half as many in a direction; else as Box
+    Box,     // each sample is replicated
+};
+
 struct DecodeOptions {
     int scale = 1;    // 1, 2, 4 or 8: the size that is divided out, rounded up
     int threads = 1;  // threads that may work on the picture
+    Upsampling upsampling = Upsampling::Smooth;
 };
 
 class BandSource;

@@ -11,9 +11,16 @@ namespace vekpix::jpeg {
 
 enum class ChromaSampling { Full444, Half422, Quarter420 };
 
+// How chroma loses the samples that its sampling leaves out.
+enum class ChromaDownsampling {
+    Blocks,  // MCU by MCU from the exact chroma of its pixels
+    Rows,    // rows of 8-bit chroma; halves are rounded up and down in turn, so that no shade grows brighter
+};
+
 struct EncodeOptions {
     int quality = 85;  // 1 .. 100: scales the tables of T.81, Annex K
     ChromaSampling sampling = ChromaSampling::Quarter420;
+    ChromaDownsampling downsampling = ChromaDownsampling::Blocks;
     int restartInterval = 0;               // MCUs between restart markers; 0: none
     bool optimizeTables = false;           // Huffman tables made for the picture, by a second pass over it
     bool grey = false;                     // of a colour picture, code the luminance only

@@ -57,14 +57,16 @@ bool isOneScanInOrder(const Picture& picture)
     return true;
 }
 
-const Kind* kindOf(const Picture& picture)
+const Kind* kindOf(const Picture& picture, const DecodeOptions& options)
 {
     const std::vector<FrameComponent>& c = picture.frame.components;
-    if (picture.colours != ColourModel::YCbCr || !(picture.stored || isOneScanInOrder(picture)))
+    if (options.scale != 1 || picture.colours != ColourModel::YCbCr || !(picture.stored || isOneScanInOrder(picture)))
         return nullptr;
     for (size_t i = 1; i < c.size(); ++i)
         if (c[i].horizontalSampling != 1 || c[i].verticalSampling != 1)
             return nullptr;
+    if (options.upsampling == Upsampling::Smooth && (c[0].horizontalSampling != 1 || c[0].verticalSampling != 1))
+        return nullptr;
     for (const Kind& kind : kinds)
         if (c[0].horizontalSampling == kind.horizontal && c[0].verticalSampling == kind.vertical)
             return &kind;
@@ -334,10 +336,10 @@ void McuBands::convertMcu(int16_t* mcu, int mcuColumn, uint8_t* pixels, size_t s
 
 }  // namespace
 
-std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, int threads)
+std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, const DecodeOptions& options)
 {
-    const Kind* kind = kindOf(picture);
-    return kind == nullptr ? nullptr : std::make_unique<McuBands>(picture, *kind, threads);
+    const Kind* kind = kindOf(picture, options);
+    return kind == nullptr ? nullptr : std::make_unique<McuBands>(picture, *kind, options.threads);
 }
 
 }  // namespace vekpix::jpeg

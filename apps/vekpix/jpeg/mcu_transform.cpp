@@ -13,6 +13,8 @@ McuLayout::McuLayout(const Shape& shape, const EncodeOptions& options)
 {
     if (colour)
         sampling = options.sampling;
+    if (sampling != ChromaSampling::Full444)
+        downsampling = options.downsampling;
 }
 
 McuTransform::McuTransform(const McuLayout& layout, const QuantizerSteps& luminance, const QuantizerSteps& chrominance)
@@ -57,6 +59,10 @@ void McuTransform::transformWhole(const uint8_t* pixels, int step, int16_t* bloc
         expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(blocks, luminance_.data()), "DCT");
         return;
     }
+    if (layout_.downsampling == ChromaDownsampling::Rows) {
+        transformByRows(pixels, step, blocks);
+        return;
+    }
     int16_t* const cb = blocks + blockSize * static_cast<size_t>(layout_.luminanceBlocks());
     int16_t* const planes[3] = {blocks, cb, cb + blockSize};
     switch (layout_.sampling) {
@@ -74,6 +80,34 @@ void McuTransform::transformWhole(const uint8_t* pixels, int step, int16_t* bloc
         expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(block, luminance_.data()), "DCT");
     expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(planes[1], chrominance_.data()), "DCT");
     expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(planes[2], chrominance_.data()), "DCT");
+}
+
+void McuTransform::transformByRows(const uint8_t* pixels, int step, int16_t* blocks) const
+{
+    constexpr int side = 16;
+    using Plane = std::array<uint8_t, side * side>;
+    alignas(blockAlignment) std::array<Plane, 3> samples;
+    uint8_t* const planes[3] = {samples[0].data(), samples[1].data(), samples[2].data()};
+    expectOk(vekiRGBToYCbCr_JPEG_8u_C3P3R(pixels, step, planes, side, {side, layout_.mcuHeight()}),
+             "colour conversion");
+    for (int y = 0; y < layout_.mcuHeight(); y += 8)
+        for (int x = 0; x < side; x += 8, blocks += blockSize)
+            expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(planes[0] + y * side + x, side, blocks, luminance_.data()),
+                     "DCT");
+    for (const uint8_t* plane : {planes[1], planes[2]}) {
+        alignas(blockAlignment) Plane averaged;  // its rows lie at multiples of 16, where no rule of alignment bites
+        for (int y = 0; y < 8; ++y) {
+            uint8_t* to = averaged.data() + y * side;
+            if (layout_.sampling == ChromaSampling::Half422)
+                expectOk(vekiSampleDownRowH2V1_Box_JPEG_8u_C1(plane + y * side, side, to), "down-sampling");
+            else
+                expectOk(
+                    vekiSampleDownRowH2V2_Box_JPEG_8u_C1(plane + 2 * y * side, plane + (2 * y + 1) * side, side, to),
+                    "down-sampling");
+        }
+        expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(averaged.data(), side, blocks, chrominance_.data()), "DCT");
+        blocks += blockSize;
+    }
 }
 
 }  // namespace vekpix::jpeg

@@ -20,6 +20,7 @@ struct McuLayout {
     Shape picture;
     bool colour = false;  // three components, else luminance alone
     ChromaSampling sampling = ChromaSampling::Full444;
+    ChromaDownsampling downsampling = ChromaDownsampling::Blocks;
 
     McuLayout(const Shape& picture, const EncodeOptions& options);
 
@@ -54,6 +55,7 @@ private:
     static constexpr size_t patchStep = 64;  // bytes; 16 pixels of 3 channels, and to spare
 
     void transformWhole(const uint8_t* pixels, int step, int16_t* blocks) const;
+    void transformByRows(const uint8_t* pixels, int step, int16_t* blocks) const;
 
     McuLayout layout_;
     size_t channels_;

@@ -11,6 +11,7 @@
 
 using peer::Scene;
 using vekpix::jpeg::CoefficientStore;
+using vekpix::jpeg::Upsampling;
 
 namespace {
 
@@ -88,15 +89,20 @@ TEST(CoefficientStore, PicturesMadeFromItAreThoseMadeFromTheScan)
         const auto file = peer::write(peer::draw(75, 61, 3, Scene::Harsh), {.sampling = sampling});
         for (const int threads : {1, 3}) {
             const vekpix::jpeg::Picture picture = stored(file);
-            auto source = vekpix::jpeg::makeMcuBands(picture, threads);
-            EXPECT_EQ(sampling[1] != std::pair(1, 1), source == nullptr);
-            if (!source)
-                source = vekpix::jpeg::makePlaneBands(picture, 1);
-            EXPECT_TRUE(support::decode(file, {1, threads}).pixels == pixelsOf(*source, 75, 61, 3));
-            EXPECT_EQ(std::nullopt, source->markerBehind());
+            for (const Upsampling upsampling : {Upsampling::Smooth, Upsampling::Box}) {
+                const vekpix::jpeg::DecodeOptions options{1, threads, upsampling};
+                auto source = vekpix::jpeg::makeMcuBands(picture, options);
+                const bool mixed = sampling[1] != std::pair(1, 1);
+                const bool same = sampling[0] == std::pair(1, 1);
+                EXPECT_EQ(mixed || (!same && upsampling == Upsampling::Smooth), source == nullptr);
+                if (!source)
+                    source = vekpix::jpeg::makePlaneBands(picture, options);
+                EXPECT_TRUE(support::decode(file, options).pixels == pixelsOf(*source, 75, 61, 3));
+                EXPECT_EQ(std::nullopt, source->markerBehind());
+            }
         }
         for (const int scale : {2, 4, 8}) {
-            const auto source = vekpix::jpeg::makePlaneBands(stored(file), scale);
+            const auto source = vekpix::jpeg::makePlaneBands(stored(file), {scale, 1});
             const peer::Picture reduced = support::decode(file, {scale, 1});
             EXPECT_TRUE(reduced.pixels == pixelsOf(*source, reduced.width, reduced.height, 3));
         }

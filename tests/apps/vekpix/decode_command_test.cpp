@@ -59,18 +59,27 @@ TEST_F(DecodeCommand, ReadsWhatThePackagedToolsWrite)
         writer.insert(writer.end(), options.begin(), options.end());
         writer.insert(writer.end(), {"-outfile", path("in.jpg"), path("in.ppm")});
         ASSERT_EQ(0, run(writer).status);
-        ASSERT_EQ(
-            0, run({"djpeg", "-dct", "int", "-nosmooth", "-pnm", "-outfile", path("peer.pnm"), path("in.jpg")}).status);
-        const Picture expected = loadPnm("peer.pnm");
-        const std::string name = expected.channels == 1 ? "out.pgm" : "out.ppm";
-        const Outcome outcome = vekpix({"decode", path("in.jpg"), path(name)});
-        ASSERT_EQ(0, outcome.status) << outcome.errors;
-        EXPECT_EQ("", outcome.errors);
-        const Picture actual = loadPnm(name);
-        ASSERT_EQ(expected.width, actual.width);
-        ASSERT_EQ(expected.height, actual.height);
-        EXPECT_LE(largestDifference(expected, actual), 3);
-        EXPECT_LE(meanDifference(expected, actual), 0.3);
+        for (const bool smooth : {true, false}) {
+            std::vector<std::string> reader = {"djpeg", "-dct", "int", "-pnm", "-outfile", path("peer.pnm")};
+            std::vector<std::string> ours = {"decode", path("in.jpg")};
+            if (!smooth) {
+                reader.push_back("-nosmooth");
+                ours.insert(ours.end(), {"--upsampling", "box"});
+            }
+            reader.push_back(path("in.jpg"));
+            ASSERT_EQ(0, run(reader).status);
+            const Picture expected = loadPnm("peer.pnm");
+            const std::string name = expected.channels == 1 ? "out.pgm" : "out.ppm";
+            ours.push_back(path(name));
+            const Outcome outcome = vekpix(ours);
+            ASSERT_EQ(0, outcome.status) << outcome.errors;
+            EXPECT_EQ("", outcome.errors);
+            const Picture actual = loadPnm(name);
+            ASSERT_EQ(expected.width, actual.width);
+            ASSERT_EQ(expected.height, actual.height);
+            EXPECT_LE(largestDifference(expected, actual), 3);
+            EXPECT_LE(meanDifference(expected, actual), 0.3);
+        }
     }
 }
 

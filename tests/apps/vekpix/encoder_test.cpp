@@ -216,6 +216,57 @@ TEST(Encoder, ThePeerReadsTheCoefficientsThatWereWrittenWhateverTheOptions)
         }
 }
 
+// The chroma of the whole picture in bytes, averaged with a rounding that alternates from column to column.
+TEST(Encoder, RowsOfChromaAreAveragedWithAlternatingRounding)
+{
+    for (const auto& [width, height] : {std::pair(83, 61), std::pair(1, 1), std::pair(16, 16), std::pair(200, 18)})
+        for (const ChromaSampling sampling : {ChromaSampling::Half422, ChromaSampling::Quarter420}) {
+            EncodeOptions options;
+            options.sampling = sampling;
+            options.downsampling = vekpix::jpeg::ChromaDownsampling::Rows;
+            options.threads = height % 2 + 1;
+            const Picture picture = peer::draw(width, height, 3, Scene::Harsh);
+            const int v = blockHeight(sampling);
+            const Picture padded = withRepeatedEdges(picture, 16, 8 * v);
+            const size_t size = static_cast<size_t>(padded.width) * static_cast<size_t>(padded.height);
+            std::array<std::vector<uint8_t>, 3> samples;
+            for (auto& plane : samples) plane.resize(size);
+            uint8_t* const planes[3] = {samples[0].data(), samples[1].data(), samples[2].data()};
+            ASSERT_EQ(vekStsOk, vekiRGBToYCbCr_JPEG_8u_C3P3R(padded.pixels.data(), padded.width * 3, planes,
+                                                             padded.width, {padded.width, padded.height}));
+            const Quantizers quantizers(options.quality);
+            peer::Coefficients expected;
+            for (size_t c = 0; c < 3; ++c) {
+                const int across = c == 0 ? 1 : 2;
+                const int down = c == 0 ? 1 : v;
+                const int w = padded.width / across;
+                const int h = padded.height / down;
+                std::vector<uint8_t> plane;
+                for (int y = 0; y < h; ++y)
+                    for (int x = 0; x < w; ++x) {
+                        int sum = c == 0 ? 0 : v == 1 ? x % 2 : 1 + x % 2;
+                        for (int dy = 0; dy < down; ++dy)
+                            for (int dx = 0; dx < across; ++dx)
+                                sum +=
+                                    samples[c][static_cast<size_t>((y * down + dy) * padded.width + x * across + dx)];
+                        plane.push_back(static_cast<uint8_t>(sum / (across * down)));
+                    }
+                peer::Coefficients::Component component{w / 8, h / 8, {}};
+                for (int y = 0; y < h; y += 8)
+                    for (int x = 0; x < w; x += 8) {
+                        alignas(16) std::array<int16_t, 64> block;
+                        vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(
+                            plane.data() + y * w + x, w, block.data(),
+                            (c == 0 ? quantizers.luminance : quantizers.chrominance).data());
+                        component.blocks.push_back(block);
+                    }
+                expected.components.push_back(std::move(component));
+            }
+            SCOPED_TRACE(described(options, picture));
+            expectCoefficients(expected, peer::readCoefficients(encode(picture, options)));
+        }
+}
+
 TEST(Encoder, ThePeerReadsPicturesOfEverySmallSize)
 {
     EncodeOptions options;

@@ -162,12 +162,12 @@ std::vector<uint8_t> write(const Picture& picture, const WriteOptions& options)
     return file;
 }
 
-Picture read(std::span<const uint8_t> file, int scale)
+Picture read(std::span<const uint8_t> file, int scale, Chroma chroma)
 {
     Decompressor reader(file);
     jpeg_decompress_struct& codec = reader.codec;
     codec.dct_method = JDCT_ISLOW;
-    codec.do_fancy_upsampling = FALSE;
+    codec.do_fancy_upsampling = chroma == Chroma::Smooth ? TRUE : FALSE;
     codec.scale_num = 1;
     codec.scale_denom = static_cast<unsigned>(scale);
     codec.out_color_space = inputSpace(codec.num_components);

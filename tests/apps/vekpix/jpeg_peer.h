@@ -49,9 +49,10 @@ struct WriteOptions {
 
 std::vector<uint8_t> write(const Picture& picture, const WriteOptions& options);
 
-// Pixels with replicated chroma and the exact integer transform, reduced by 1, 2, 4 or 8. Four components come as they
-// are stored, as inks.
-Picture read(std::span<const uint8_t> file, int scale = 1);
+enum class Chroma { Smooth, Replicated };
+
+// Pixels by the exact integer transform, reduced by 1, 2, 4 or 8. Four components come as they are stored, as inks.
+Picture read(std::span<const uint8_t> file, int scale = 1, Chroma chroma = Chroma::Smooth);
 
 struct Coefficients {
     struct Component {

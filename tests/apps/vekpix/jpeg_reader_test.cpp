@@ -13,10 +13,12 @@
 #include "jpeg/markers.h"
 #include "jpeg_peer.h"
 
+using peer::Chroma;
 using peer::Picture;
 using peer::Scene;
 using peer::Stored;
 using peer::WriteOptions;
+using vekpix::jpeg::Upsampling;
 using Sampling = std::vector<std::pair<int, int>>;
 
 namespace {
@@ -163,6 +165,7 @@ void expectSamePixels(const Picture& picture, const WriteOptions& options, int t
     const std::vector<uint8_t> file = peer::write(picture, options);
     expectEqualCoefficients(file);
     expectWithinRounding(peer::read(file), support::decode(file, {1, threads}));
+    expectWithinRounding(peer::read(file, 1, Chroma::Replicated), support::decode(file, {1, threads, Upsampling::Box}));
 }
 
 }  // namespace
@@ -311,10 +314,12 @@ TEST(JpegReader, ThreadsDoNotChangeAByte)
             for (const int restart : {0, 1, 5, 10, 20, 40, 7}) {
                 const std::vector<uint8_t> file =
                     peer::write(picture, {.sampling = sampling, .restartInterval = restart});
-                const Picture alone = support::decode(file);
-                for (const int threads : {2, 3, 8})
-                    EXPECT_TRUE(alone.pixels == support::decode(file, {1, threads}).pixels)
-                        << width << " " << restart << " " << threads;
+                for (const Upsampling upsampling : {Upsampling::Smooth, Upsampling::Box}) {
+                    const Picture alone = support::decode(file, {1, 1, upsampling});
+                    for (const int threads : {2, 3, 8})
+                        EXPECT_TRUE(alone.pixels == support::decode(file, {1, threads, upsampling}).pixels)
+                            << width << " " << restart << " " << threads;
+                }
             }
     }
 }
@@ -331,7 +336,12 @@ TEST(JpegReader, ReducedPictures)
             for (const int scale : {2, 4, 8}) {
                 SCOPED_TRACE(std::to_string(width) + " scale " + std::to_string(scale));
                 const int tolerance = 4;
-                EXPECT_LE(largestDifference(peer::read(file, scale), support::decode(file, {scale, 1})), tolerance);
+                EXPECT_LE(largestDifference(peer::read(file, scale, Chroma::Replicated),
+                                            support::decode(file, {scale, 1, Upsampling::Box})),
+                          tolerance);
+                if (scale < 8 && width > 16) {  // the peer replicates the smallest
+                    EXPECT_LE(largestDifference(peer::read(file, scale), support::decode(file, {scale, 1})), tolerance);
+                }
             }
         }
 }
