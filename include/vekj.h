@@ -3,6 +3,7 @@
 #ifndef VEKJ_H
 #define VEKJ_H
 
+#include "vekj/jpeg2k_codeblock.h"
 #include "vekj/jpeg_entropy.h"
 #include "vekj/jpeg_samples.h"
 #include "vekj/types.h"
