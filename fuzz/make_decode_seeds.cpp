@@ -35,6 +35,23 @@ int main(int argc, char** argv)
     save("scans", colour,
          {.quality = 30, .sampling = {{2, 2}, {1, 1}, {1, 1}}, .optimise = true, .interleaved = false});
     save("scans_restart", colour, {.quality = 30, .restartInterval = 1, .optimise = true, .interleaved = false});
+    save("progressive", colour, {.quality = 30, .sampling = {{2, 2}, {1, 1}, {1, 1}}, .progressive = true});
+    save("progressive_restart", colour, {.quality = 40, .restartInterval = 3, .progressive = true});
+    save("progressive_grey", grey, {.quality = 60, .stored = Stored::Grey, .progressive = true});
+    save("progressive_bits", harsh,
+         {.quality = 90,
+          .scans = {{{0, 1, 2}, 0, 0, 0, 3},
+                    {{0}, 1, 9, 0, 3},
+                    {{0}, 1, 9, 3, 2},
+                    {{0, 1, 2}, 0, 0, 3, 2},
+                    {{0}, 1, 9, 2, 1},
+                    {{1}, 1, 63, 0, 0},
+                    {{0}, 10, 63, 0, 1},
+                    {{0, 1, 2}, 0, 0, 2, 1},
+                    {{0}, 1, 9, 1, 0},
+                    {{0}, 10, 63, 1, 0}}});
+    save("progressive_inks", inks,
+         {.quality = 30, .stored = Stored::Ycck, .progressive = true, .jfif = false, .adobe = true});
     save("extended", colour, {.quality = 30, .optimise = true, .extended = true});
     save("harsh", harsh, {.quality = 90, .optimise = true});
     save("rgb", harsh, {.quality = 20, .stored = Stored::Rgb, .optimise = true, .jfif = false, .adobe = true});

@@ -68,7 +68,7 @@ void addDecodeCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<DecodeArguments>();
     CLI::App* command = app.add_subcommand("decode", "Decodes a JPEG file.");
-    command->add_option("input", arguments->input, "sequential JPEG file of 8-bit samples")->required();
+    command->add_option("input", arguments->input, "JPEG file of 8-bit samples, sequential or progressive")->required();
     command->add_option("output", arguments->output, "PNG, PPM or PGM file")->required();
     command->add_option("--scale", arguments->scale, "divides width and height")
         ->check(CLI::IsMember({1, 2, 4, 8}))

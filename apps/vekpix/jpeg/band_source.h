@@ -6,33 +6,11 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
-#include <vector>
 
-#include "jpeg/coefficient_store.h"
 #include "jpeg/decoder.h"
-#include "jpeg/marker_reader.h"
+#include "jpeg/picture.h"
 
 namespace vekpix::jpeg {
-
-// Everything that the headers tell about a picture.
-struct Picture {
-    std::span<const uint8_t> file;
-    Frame frame;
-    ColourModel colours = ColourModel::Grey;
-    bool inverted = false;  // four components as Adobe's programs write them: 255 is no ink
-    std::vector<Scan> scans;
-    std::shared_ptr<const CoefficientStore> stored;  // if bands are to be made from it, not from the scans
-
-    int mcusPerRow() const { return frame.mcusPerRow(); }
-    int mcuRows() const { return frame.mcuRows(); }
-    int componentWidth(size_t index) const { return frame.componentWidth(index); }
-    int componentHeight(size_t index) const { return frame.componentHeight(index); }
-    // The steps in force when a component's first scan began; null if it has no scan.
-    const QuantSteps* quantSteps(size_t index) const;
-    // The library's table of them: of ones if the component has no scan, and thus no coefficients.
-    void quantTable(size_t index, uint16_t* table) const;
-};
 
 class BandSource {
 public:
@@ -50,6 +28,9 @@ std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, const DecodeOpt
 
 // Every picture: planes of samples of each component, a band high.
 std::unique_ptr<BandSource> makePlaneBands(const Picture& picture, const DecodeOptions& options);
+
+// A progressive picture: all its coefficients first, which takes the time of the first band, then their bands.
+std::unique_ptr<BandSource> makeProgressiveBands(const Picture& picture, const DecodeOptions& options);
 
 }  // namespace vekpix::jpeg
 

@@ -1,4 +1,4 @@
-// A sequential JPEG file becomes pixels, band by band from the top.
+// A JPEG file, sequential or progressive, becomes pixels, band by band from the top.
 #ifndef VEKPIX_JPEG_DECODER_H
 #define VEKPIX_JPEG_DECODER_H
 

@@ -41,8 +41,11 @@ void describeSegment(const Segment& segment, std::ostream& out)
 void describeFrame(const MarkerReader& markers, std::ostream& out)
 {
     const Frame& frame = markers.frame();
-    out << "frame: " << (frame.baseline ? "baseline" : "extended sequential") << ", " << frame.width << " x "
-        << frame.height << ", 8 bits, " << nameOf(markers.colourModel()) << '\n';
+    out << "frame: "
+        << (frame.progressive ? "progressive"
+            : frame.baseline  ? "baseline"
+                              : "extended sequential")
+        << ", " << frame.width << " x " << frame.height << ", 8 bits, " << nameOf(markers.colourModel()) << '\n';
     for (const FrameComponent& component : frame.components)
         out << "  component " << component.id << ": sampling " << component.horizontalSampling << "x"
             << component.verticalSampling << ", quantisation table " << component.quantTable << '\n';
@@ -72,11 +75,21 @@ void describeTables(const Scan& scan, const Frame& frame, std::ostream& out)
         const FrameComponent& inFrame = frame.components[static_cast<size_t>(component.index)];
         if (told.insert(component.quantSteps.get()).second)
             describeQuantTable(inFrame.quantTable, *component.quantSteps, out);
-        if (told.insert(component.dcTable.get()).second)
+        if (component.dcTable && told.insert(component.dcTable.get()).second)
             describeHuffmanTable("DC", component.dcTableSlot, *component.dcTable, out);
-        if (told.insert(component.acTable.get()).second)
+        if (component.acTable && told.insert(component.acTable.get()).second)
             describeHuffmanTable("AC", component.acTableSlot, *component.acTable, out);
     }
+}
+
+void describeProgression(const Scan& scan, std::ostream& out)
+{
+    out << "  coefficients " << scan.spectralBegin << " to " << scan.spectralEnd << ", bits ";
+    if (scan.high == 0)
+        out << "from the top";
+    else
+        out << "from " << scan.high - 1;
+    out << " down to " << scan.low << '\n';
 }
 
 void describeScan(const Scan& scan, const Frame& frame, size_t bytes, size_t restarts, std::ostream& out)
@@ -89,9 +102,17 @@ void describeScan(const Scan& scan, const Frame& frame, size_t bytes, size_t res
         out << "no restart interval\n";
     else
         out << "restart interval of " << scan.restartInterval << " MCUs, " << restarts << " restart markers\n";
-    for (const ScanComponent& component : scan.components)
-        out << "  component " << frame.components[static_cast<size_t>(component.index)].id << ": DC table "
-            << component.dcTableSlot << ", AC table " << component.acTableSlot << '\n';
+    if (frame.progressive)
+        describeProgression(scan, out);
+    for (const ScanComponent& component : scan.components) {
+        const char* separator = ": ";
+        out << "  component " << frame.components[static_cast<size_t>(component.index)].id;
+        if (component.dcTable)
+            out << std::exchange(separator, ", ") << "DC table " << component.dcTableSlot;
+        if (component.acTable)
+            out << separator << "AC table " << component.acTableSlot;
+        out << '\n';
+    }
     describeTables(scan, frame, out);
 }
 

@@ -98,7 +98,7 @@ std::optional<int> EntropyReader::markerBehind() const
 
 void EntropyReader::fail(VekStatus status) const
 {
-    if (status == vekStsJpegOutOfBuffer)
+    if (status == vekStsJpegOutOfBuffer || length_ == 0)
         throw Error("truncated JPEG file: the picture's data are not complete");
     if (status == vekStsJpegMarkerShort && marker_ != 0)
         throw Error("damaged JPEG file: " + markerName(marker_) + " stands within the picture's data");

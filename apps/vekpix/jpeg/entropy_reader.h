@@ -1,4 +1,5 @@
-// The entropy-coded data of one scan (ITU T.81, Annex F.2 and E.2.4): blocks in their order, over restart markers.
+// The entropy-coded data of one scan (ITU T.81, Annexes F.2, G.2 and E.2.4): blocks in their order, over restart
+// markers.
 #ifndef VEKPIX_JPEG_ENTROPY_READER_H
 #define VEKPIX_JPEG_ENTROPY_READER_H
 
@@ -32,10 +33,31 @@ public:
     void readBlock(int16_t* block, size_t slot, const VekDecodeHuffmanSpec* dcTable,
                    const VekDecodeHuffmanSpec* acTable)
     {
-        const VekStatus status = vekiDecodeHuffman8x8_JPEG_1u16s_C1(base_, length_, &position_, block, &lastDc_[slot],
-                                                                    &marker_, dcTable, acTable, state_.get());
-        if (status != vekStsOk) [[unlikely]]
-            fail(status);
+        expectOk(vekiDecodeHuffman8x8_JPEG_1u16s_C1(base_, length_, &position_, block, &lastDc_[slot], &marker_,
+                                                    dcTable, acTable, state_.get()));
+    }
+
+    // The four kinds of progressive scans (T.81, Annex G.2): each adds to what the block holds already. `low` is the
+    // lowest of the bits that the scan codes.
+    void readDcFirst(int16_t* block, size_t slot, int low, const VekDecodeHuffmanSpec* table)
+    {
+        expectOk(vekiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(base_, length_, &position_, block, &lastDc_[slot], &marker_,
+                                                            low, table, state_.get()));
+    }
+    void refineDc(int16_t* block, int low)
+    {
+        expectOk(vekiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(base_, length_, &position_, block, &marker_, low,
+                                                             state_.get()));
+    }
+    void readAcFirst(int16_t* block, int begin, int end, int low, const VekDecodeHuffmanSpec* table)
+    {
+        expectOk(vekiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(base_, length_, &position_, block, &marker_, begin, end,
+                                                            low, table, state_.get()));
+    }
+    void refineAc(int16_t* block, int begin, int end, int low, const VekDecodeHuffmanSpec* table)
+    {
+        expectOk(vekiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(base_, length_, &position_, block, &marker_, begin, end,
+                                                             low, table, state_.get()));
     }
 
     // Behind the last MCU of an interval that is not the scan's last: what follows must be its restart marker.
@@ -51,6 +73,11 @@ private:
         void operator()(VekDecodeHuffmanState* state) const { vekiDecodeHuffmanStateFree_JPEG_8u(state); }
     };
 
+    void expectOk(VekStatus status) const
+    {
+        if (status != vekStsOk) [[unlikely]]
+            fail(status);
+    }
     [[noreturn]] void fail(VekStatus status) const;
     void passRestartMarker();
     void rebase();

@@ -52,8 +52,6 @@ bool standsAlone(int marker) { return marker == TEM || (marker >= RST0 && marker
 [[noreturn]] void refuseProcess(int marker)
 {
     const std::string name = markerName(marker);
-    if (marker == SOF2)
-        throw Error("progressive JPEG (" + name + ") is not supported");
     if (marker == SOF3)
         throw Error("lossless JPEG (" + name + ") is not supported");
     if ((marker >= SOF5 && marker <= SOF7) || marker == DHP || marker == EXP)
@@ -61,9 +59,22 @@ bool standsAlone(int marker) { return marker == TEM || (marker >= RST0 && marker
     throw Error("arithmetic-coded JPEG (" + name + ") is not supported");
 }
 
+// T.81, G.1.1.1: DC alone, for any components, or AC of one component; bits from the top, or one more of them.
+void checkProgression(const Scan& scan)
+{
+    const bool dc = scan.spectralBegin == 0;
+    const int mostLow = 13;
+    if (dc ? scan.spectralEnd != 0 : scan.spectralEnd < scan.spectralBegin || scan.spectralEnd > 63)
+        throw Error("damaged JPEG file: impossible coefficients of a progressive scan");
+    if (!dc && scan.components.size() != 1)
+        throw Error("damaged JPEG file: several components in a progressive scan of AC coefficients");
+    if ((scan.high != 0 && scan.low != scan.high - 1) || scan.low > mostLow)
+        throw Error("damaged JPEG file: impossible bits of a progressive scan");
+}
+
 bool isRefusedProcess(int marker)
 {
-    return (marker >= SOF2 && marker <= SOF15 && marker != DHT && marker != JPG) || marker == DHP || marker == EXP;
+    return (marker >= SOF3 && marker <= SOF15 && marker != DHT && marker != JPG) || marker == DHP || marker == EXP;
 }
 
 }  // namespace
@@ -167,10 +178,12 @@ void MarkerReader::report(int marker, size_t length) const
         listener_({marker, position_ - 2, length});
 }
 
-bool MarkerReader::everyComponentScanned() const
+bool MarkerReader::everythingTold() const
 {
-    const auto end = scanned_.begin() + static_cast<std::ptrdiff_t>(frame().components.size());
-    return std::all_of(scanned_.begin(), end, [](bool scanned) { return scanned; });
+    const auto isWhole = [](const LowestBits& bits) {
+        return std::ranges::all_of(bits, [](std::optional<int> lowest) { return lowest == 0; });
+    };
+    return std::ranges::all_of(std::span(told_).first(frame().components.size()), isWhole);
 }
 
 const Frame& MarkerReader::frame() const
@@ -258,7 +271,7 @@ void MarkerReader::readTables(int marker, std::span<const uint8_t> body)
         readQuantTables(body);
     else if (marker == DHT)
         readHuffmanTables(body);
-    else if (marker == SOF0 || marker == SOF1)
+    else if (marker == SOF0 || marker == SOF1 || marker == SOF2)
         readFrame(marker, body);
     else if (marker == DRI)
         readRestartInterval(body);
@@ -320,6 +333,7 @@ void MarkerReader::readFrame(int marker, std::span<const uint8_t> body)
     SegmentCursor cursor(body, "SOF");
     Frame frame;
     frame.baseline = marker == SOF0;
+    frame.progressive = marker == SOF2;
     const int precision = cursor.byte();
     if (precision != 8)
         throw Error("JPEG files of " + std::to_string(precision) + "-bit samples are not supported");
@@ -392,28 +406,67 @@ Scan MarkerReader::readScan(std::span<const uint8_t> body)
         component.index = static_cast<int>(found - frame_->components.begin());
         component.dcTableSlot = tables >> 4;
         component.acTableSlot = tables & 15;
-        if (component.dcTableSlot >= tableSlots || component.acTableSlot >= tableSlots)
-            throw Error("damaged JPEG file: impossible Huffman table number");
-        component.dcTable = dc_[static_cast<size_t>(component.dcTableSlot)];
-        component.acTable = ac_[static_cast<size_t>(component.acTableSlot)];
         component.quantSteps = quant_[static_cast<size_t>(found->quantTable)];
-        if (!component.dcTable || !component.acTable)
-            throw Error("damaged JPEG file: a scan without its Huffman table");
         if (!component.quantSteps)
             throw Error("damaged JPEG file: a scan without its quantisation table");
-        bool& scanned = scanned_[static_cast<size_t>(component.index)];
-        if (scanned)
-            throw Error("damaged JPEG file: a component is coded twice");
-        scanned = true;
+        for (const ScanComponent& other : scan.components)
+            if (other.index == component.index)
+                throw Error("damaged JPEG file: a component is coded twice");
         blocksInMcu += found->horizontalSampling * found->verticalSampling;
         scan.components.push_back(std::move(component));
     }
     if (count > 1 && blocksInMcu > maxBlocksInMcu)
         throw Error("damaged JPEG file: too many blocks in an MCU");
-    cursor.take(3);  // spectral selection and successive approximation, without a meaning in a sequential scan
+    const int begin = cursor.byte();
+    const int end = cursor.byte();
+    const int bits = cursor.byte();
     cursor.expectEnd();
+    if (frame_->progressive) {  // without a meaning in a sequential scan
+        scan.spectralBegin = begin;
+        scan.spectralEnd = end;
+        scan.high = bits >> 4;
+        scan.low = bits & 15;
+        checkProgression(scan);
+    }
+    for (ScanComponent& component : scan.components) findTables(scan, component);
+    markTold(scan);
     scan.dataBegin = position_;
     return scan;
+}
+
+void MarkerReader::findTables(const Scan& scan, ScanComponent& component) const
+{
+    const auto find = [](const auto& tables, int slot) {
+        if (slot >= tableSlots)
+            throw Error("damaged JPEG file: impossible Huffman table number");
+        if (!tables[static_cast<size_t>(slot)])
+            throw Error("damaged JPEG file: a scan without its Huffman table");
+        return tables[static_cast<size_t>(slot)];
+    };
+    const bool needsDc = scan.spectralBegin == 0 && scan.high == 0;
+    const bool needsAc = scan.spectralEnd != 0;
+    if (needsDc)
+        component.dcTable = find(dc_, component.dcTableSlot);
+    if (needsAc)
+        component.acTable = find(ac_, component.acTableSlot);
+}
+
+// Each coefficient comes once from the top, in a sequential frame with all its bits, and once more for each bit below
+// (T.81, G.1.1.1).
+void MarkerReader::markTold(const Scan& scan)
+{
+    for (const ScanComponent& component : scan.components) {
+        LowestBits& bits = told_[static_cast<size_t>(component.index)];
+        for (int k = scan.spectralBegin; k <= scan.spectralEnd; ++k) {
+            std::optional<int>& lowest = bits[static_cast<size_t>(k)];
+            const bool first = scan.high == 0 && !lowest;
+            const bool next = scan.high != 0 && lowest == scan.high;
+            if (!first && !next)
+                throw Error(frame_->progressive ? "damaged JPEG file: progressive scans out of their order"
+                                                : "damaged JPEG file: a component is coded twice");
+            lowest = scan.low;
+        }
+    }
 }
 
 size_t MarkerReader::skipScanData()

@@ -47,7 +47,8 @@ struct FrameComponent {
 };
 
 struct Frame {
-    bool baseline = true;  // SOF0; else SOF1
+    bool baseline = true;      // SOF0
+    bool progressive = false;  // SOF2; if neither, SOF1
     int width = 0;
     int height = 0;
     std::vector<FrameComponent> components;
@@ -61,7 +62,8 @@ struct Frame {
     int componentHeight(size_t index) const;
 };
 
-// One component of a scan with the tables that were in force when the scan began.
+// One component of a scan with the tables that were in force when the scan began. Progressive scans have only those
+// Huffman tables that they need.
 struct ScanComponent {
     int index = 0;  // in Frame::components
     int dcTableSlot = 0;
@@ -73,6 +75,12 @@ struct ScanComponent {
 
 struct Scan {
     std::vector<ScanComponent> components;
+    // What of the blocks a progressive scan codes (T.81, G.1.1): the coefficients from spectralBegin to spectralEnd in
+    // zig-zag order, and of these the bits from `high` (exclusive; 0: from the top) down to `low` (inclusive).
+    int spectralBegin = 0;
+    int spectralEnd = 63;
+    int high = 0;
+    int low = 0;
     int restartInterval = 0;  // MCUs; 0 without restart markers
     size_t dataBegin = 0;     // first byte of the entropy-coded data in the file
 };
@@ -99,7 +107,8 @@ public:
     // Moves behind the entropy-coded data that begins at the reader's position. Returns the number of restart markers
     // in it.
     size_t skipScanData();
-    bool everyComponentScanned() const;
+    // Whether the scans so far code every coefficient down to its lowest bit.
+    bool everythingTold() const;
 
     const Frame& frame() const;
     ColourModel colourModel() const;
@@ -109,6 +118,8 @@ public:
     size_t position() const { return position_; }
 
 private:
+    using LowestBits = std::array<std::optional<int>, 64>;  // that have been coded of each coefficient
+
     void report(int marker, size_t length) const;
     void readTables(int marker, std::span<const uint8_t> body);
     void readQuantTables(std::span<const uint8_t> body);
@@ -117,6 +128,8 @@ private:
     void readRestartInterval(std::span<const uint8_t> body);
     void readApplicationData(int marker, std::span<const uint8_t> body);
     Scan readScan(std::span<const uint8_t> body);
+    void findTables(const Scan& scan, ScanComponent& component) const;
+    void markTold(const Scan& scan);
     std::optional<int> nextMarker();
     std::span<const uint8_t> segmentBody(int marker);
 
@@ -127,7 +140,7 @@ private:
     std::array<std::shared_ptr<const QuantSteps>, tableSlots> quant_;
     std::array<std::shared_ptr<const HuffmanTable>, tableSlots> dc_;
     std::array<std::shared_ptr<const HuffmanTable>, tableSlots> ac_;
-    std::array<bool, maxComponents> scanned_{};
+    std::array<LowestBits, maxComponents> told_{};
     int restartInterval_ = 0;
     bool jfif_ = false;
     bool afterScan_ = false;

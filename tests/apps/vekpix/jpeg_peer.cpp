@@ -66,6 +66,22 @@ J_COLOR_SPACE storedSpace(Stored stored)
 
 J_COLOR_SPACE inputSpace(int channels) { return channels == 1 ? JCS_GRAYSCALE : channels == 3 ? JCS_RGB : JCS_CMYK; }
 
+std::vector<jpeg_scan_info> scanInfo(const std::vector<Scan>& scans)
+{
+    std::vector<jpeg_scan_info> result;
+    for (const Scan& scan : scans) {
+        jpeg_scan_info info{};
+        info.comps_in_scan = static_cast<int>(scan.components.size());
+        std::ranges::copy(scan.components, info.component_index);
+        info.Ss = scan.begin;
+        info.Se = scan.end;
+        info.Ah = scan.high;
+        info.Al = scan.low;
+        result.push_back(info);
+    }
+    return result;
+}
+
 }  // namespace
 
 Picture draw(int width, int height, int channels, Scene scene, uint64_t seed)
@@ -131,8 +147,15 @@ std::vector<uint8_t> write(const Picture& picture, const WriteOptions& options)
             *codec.ac_huff_tbl_ptrs[i] = *codec.ac_huff_tbl_ptrs[1];
         }
     }
-    std::array<jpeg_scan_info, 4> scans{};
+    if (options.progressive)
+        jpeg_simple_progression(&codec);
+    std::vector<jpeg_scan_info> scans = scanInfo(options.scans);
+    if (!scans.empty()) {
+        codec.scan_info = scans.data();
+        codec.num_scans = static_cast<int>(scans.size());
+    }
     if (!options.interleaved) {
+        scans.resize(static_cast<size_t>(codec.num_components));
         for (int i = 0; i < codec.num_components; ++i) {
             scans[static_cast<size_t>(i)].comps_in_scan = 1;
             scans[static_cast<size_t>(i)].component_index[0] = i;

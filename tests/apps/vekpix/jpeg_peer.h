@@ -34,6 +34,15 @@ Picture draw(int width, int height, int channels, Scene scene, uint64_t seed = 1
 
 enum class Stored { Grey, YCbCr, Rgb, Cmyk, Ycck };
 
+// A scan of a progressive file: coefficients from `begin` to `end` in zig-zag order, bits from `high` down to `low`.
+struct Scan {
+    std::vector<int> components;
+    int begin = 0;
+    int end = 0;
+    int high = 0;
+    int low = 0;
+};
+
 struct WriteOptions {
     int quality = 90;
     Stored stored = Stored::YCbCr;
@@ -42,7 +51,9 @@ struct WriteOptions {
     int restartInterval = 0;  // MCUs
     bool optimise = false;
     bool interleaved = true;
-    bool extended = false;  // SOF1, with four tables of each class where the components allow
+    bool progressive = false;      // with the peer's own scans
+    std::vector<Scan> scans = {};  // or with these
+    bool extended = false;         // SOF1, with four tables of each class where the components allow
     bool jfif = true;
     bool adobe = false;
 };

@@ -1,0 +1,20 @@
+// All scans of a picture, sequential or progressive, become its coefficients.
+#ifndef VEKPIX_JPEG_STORE_READER_H
+#define VEKPIX_JPEG_STORE_READER_H
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "jpeg/coefficient_store.h"
+#include "jpeg/marker_reader.h"
+
+namespace vekpix::jpeg {
+
+// `store` is as it was made. Threads share the scans of single components: each reads those of a component in their
+// order.
+void readScans(std::span<const uint8_t> file, const std::vector<Scan>& scans, CoefficientStore& store, int threads);
+
+}  // namespace vekpix::jpeg
+
+#endif
