@@ -47,11 +47,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::vector<uint8_t> file(data, data + size);  // its end is the end of its memory
     const int choice = data[size - 1];
     const auto upsampling = choice >= 128 ? vekpix::jpeg::Upsampling::Box : vekpix::jpeg::Upsampling::Smooth;
-    const Outcome whole = decode(file, {1, 1, upsampling});
-    const Outcome reduced = decode(file, {2 << choice % 3, 1, upsampling});
+    const bool inks = choice % 2 == 1;
+    const Outcome whole = decode(file, {1, 1, upsampling, inks});
+    const Outcome reduced = decode(file, {2 << choice % 3, 1, upsampling, inks});
     if (whole.failed != reduced.failed)
         std::abort();
-    const Outcome shared = decode(file, {1, 2, upsampling});
+    const Outcome shared = decode(file, {1, 2, upsampling, inks});
     if (whole.failed != shared.failed || (!whole.failed && whole.hash != shared.hash))
         std::abort();
     std::ostringstream text;

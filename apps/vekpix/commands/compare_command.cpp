@@ -48,9 +48,14 @@ struct Difference {
     }
 };
 
-std::unique_ptr<RowReader> openAny(const std::string& path)
+std::unique_ptr<RowReader> openAny(const std::string& path, bool inks)
 {
-    return formatOf(path) == ImageFormat::Jpeg ? jpeg::openJpeg(path, ownGetNumThreads()) : openPicture(path);
+    if (formatOf(path) != ImageFormat::Jpeg)
+        return openPicture(path);
+    jpeg::DecodeOptions options;
+    options.threads = ownGetNumThreads();
+    options.inks = inks;
+    return jpeg::openJpeg(path, options);
 }
 
 std::string sizeOf(const RowReader& picture)
@@ -90,8 +95,13 @@ void print(const char* channel, const Difference& difference)
 
 void compare(const CompareArguments& arguments)
 {
-    const std::unique_ptr<RowReader> first = openAny(arguments.first);
-    const std::unique_ptr<RowReader> second = openAny(arguments.second);
+    // Beside a PAM file a JPEG file shows its inks, if it has any.
+    const bool inks = formatOf(arguments.first) == ImageFormat::Pam || formatOf(arguments.second) == ImageFormat::Pam;
+    const std::unique_ptr<RowReader> first = openAny(arguments.first, inks);
+    const std::unique_ptr<RowReader> second = openAny(arguments.second, inks);
+    if ((first->channels() == 4) != (second->channels() == 4))
+        throw Error("only one of the pictures consists of inks: " +
+                    (first->channels() == 4 ? arguments.first : arguments.second));
     if (first->width() != second->width() || first->height() != second->height())
         throw Error("the pictures differ in size: " + arguments.first + " has " + sizeOf(*first) + " pixels, " +
                     arguments.second + " has " + sizeOf(*second));
@@ -100,10 +110,11 @@ void compare(const CompareArguments& arguments)
         print("grey", sums[0]);
         return;
     }
-    constexpr std::array<const char*, 3> names = {"red", "green", "blue"};
+    constexpr std::array<const char*, 3> lights = {"red", "green", "blue"};
+    constexpr std::array<const char*, 4> inkNames = {"cyan", "magenta", "yellow", "black"};
     Difference all;
     for (size_t c = 0; c < sums.size(); ++c) {
-        print(names[c], sums[c]);
+        print(sums.size() == 4 ? inkNames[c] : lights[c], sums[c]);
         all.add(sums[c]);
     }
     print("all", all);
@@ -115,8 +126,8 @@ void addCompareCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<CompareArguments>();
     CLI::App* command = app.add_subcommand("compare", "Compares two pictures of the same size.");
-    command->add_option("first", arguments->first, "PNG, PPM, PGM or JPEG file")->required();
-    command->add_option("second", arguments->second, "PNG, PPM, PGM or JPEG file")->required();
+    command->add_option("first", arguments->first, "PNG, PPM, PGM, PAM or JPEG file")->required();
+    command->add_option("second", arguments->second, "PNG, PPM, PGM, PAM or JPEG file")->required();
     command->callback([arguments] { compare(*arguments); });
 }
 

@@ -51,6 +51,7 @@ void decode(const DecodeArguments& arguments)
     const std::vector<uint8_t> file = readFile(arguments.input);
     jpeg::DecodeOptions options;
     options.scale = arguments.scale;
+    options.inks = format == ImageFormat::Pam;
     options.upsampling = arguments.upsampling == "box" ? jpeg::Upsampling::Box : jpeg::Upsampling::Smooth;
     options.threads = arguments.threads == 0 ? ownGetNumThreads() : arguments.threads;
     const auto decoder = reading(arguments.input, [&] { return std::make_unique<jpeg::Decoder>(file, options); });
@@ -69,7 +70,8 @@ void addDecodeCommand(CLI::App& app)
     auto arguments = std::make_shared<DecodeArguments>();
     CLI::App* command = app.add_subcommand("decode", "Decodes a JPEG file.");
     command->add_option("input", arguments->input, "JPEG file of 8-bit samples, sequential or progressive")->required();
-    command->add_option("output", arguments->output, "PNG, PPM or PGM file")->required();
+    command->add_option("output", arguments->output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
+        ->required();
     command->add_option("--scale", arguments->scale, "divides width and height")
         ->check(CLI::IsMember({1, 2, 4, 8}))
         ->capture_default_str();

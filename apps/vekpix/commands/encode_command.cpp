@@ -54,7 +54,7 @@ void addEncodeCommand(CLI::App& app)
     options.threads = 0;
 
     CLI::App* command = app.add_subcommand("encode", "Codes a picture as a JPEG file.");
-    command->add_option("input", arguments->input, "PNG, PPM or PGM file")->required();
+    command->add_option("input", arguments->input, "PNG, PPM, PGM or PAM file")->required();
     command->add_option("output", arguments->output, "JPEG file to write")->required();
     command->add_option("--quality", options.quality, "1 (smallest file) to 100 (best picture)")
         ->check(CLI::Range(1, 100))
@@ -72,6 +72,8 @@ void addEncodeCommand(CLI::App& app)
         ->capture_default_str();
     command->add_flag("--optimize", options.optimizeTables, "makes Huffman tables for this picture: a smaller file");
     command->add_flag("--gray,--grey", options.grey, "codes the luminance only");
+    command->add_flag("!--no-transform", options.colourTransform,
+                      "codes RGB or CMYK as they are, not as YCbCr or YCCK; takes no --sampling");
     command->add_option("--threads", options.threads, "threads to work with; 0 for all processors")
         ->check(CLI::Range(0, 256))
         ->capture_default_str();

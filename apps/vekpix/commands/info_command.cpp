@@ -27,9 +27,13 @@ void describeJpeg(const std::string& path)
 
 void describePicture(const std::string& path, ImageFormat format)
 {
-    const std::unique_ptr<RowReader> reader = openPicture(path);
-    std::cout << (format == ImageFormat::Png ? "PNG" : "PNM") << "\nread as " << reader->width() << " x "
-              << reader->height() << ", 8 bits, " << (reader->channels() == 1 ? "grey" : "RGB") << '\n';
+    const std::unique_ptr<RowReader> reader = openPicture(path, SampleDepth::AsStored);
+    const char* colours = reader->channels() == 1 ? "grey" : reader->channels() == 3 ? "RGB" : "CMYK";
+    std::cout << (format == ImageFormat::Png   ? "PNG"
+                  : format == ImageFormat::Pam ? "PAM"
+                                               : "PNM")
+              << "\nread as " << reader->width() << " x " << reader->height() << ", " << reader->shape().bits
+              << " bits, " << colours << '\n';
 }
 
 }  // namespace
@@ -38,7 +42,7 @@ void addInfoCommand(CLI::App& app)
 {
     auto path = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("info", "Tells what a picture file holds.");
-    command->add_option("file", *path, "JPEG, PNG, PPM or PGM file")->required();
+    command->add_option("file", *path, "JPEG, PNG, PPM, PGM or PAM file")->required();
     command->callback([path] {
         const ImageFormat format = formatOf(*path);
         if (format == ImageFormat::Jpeg)

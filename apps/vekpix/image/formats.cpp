@@ -21,23 +21,26 @@ ImageFormat formatOf(const std::string& path)
         return ImageFormat::Ppm;
     if (extension == ".pgm")
         return ImageFormat::Pgm;
+    if (extension == ".pam")
+        return ImageFormat::Pam;
     if (extension == ".jpg" || extension == ".jpeg")
         return ImageFormat::Jpeg;
-    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .jpg)");
+    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .jpg)");
 }
 
-std::unique_ptr<RowReader> openPicture(const std::string& path)
+std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth)
 {
     switch (formatOf(path)) {
         case ImageFormat::Png:
-            return openPng(path);
+            return openPng(path, depth);
         case ImageFormat::Ppm:
         case ImageFormat::Pgm:
-            return openPnm(path);
+        case ImageFormat::Pam:
+            return openPnm(path, depth);
         case ImageFormat::Jpeg:
             break;
     }
-    throw Error(path + ": must be a PNG, PPM or PGM picture");
+    throw Error(path + ": must be a PNG, PPM, PGM or PAM picture");
 }
 
 std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink)
@@ -46,13 +49,15 @@ std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& sh
         case ImageFormat::Png:
             return makePngWriter(shape, sink);
         case ImageFormat::Ppm:
-            return makePnmWriter(shape, 3, sink);
+            return makePnmWriter(shape, PnmKind::Ppm, sink);
         case ImageFormat::Pgm:
-            return makePnmWriter(shape, 1, sink);
+            return makePnmWriter(shape, PnmKind::Pgm, sink);
+        case ImageFormat::Pam:
+            return makePnmWriter(shape, PnmKind::Pam, sink);
         case ImageFormat::Jpeg:
             break;
     }
-    throw Error("the picture must become a PNG, PPM or PGM file");
+    throw Error("the picture must become a PNG, PPM, PGM or PAM file");
 }
 
 }  // namespace vekpix

@@ -10,16 +10,21 @@
 
 namespace vekpix {
 
-enum class ImageFormat { Png, Ppm, Pgm, Jpeg };
+enum class ImageFormat { Png, Ppm, Pgm, Pam, Jpeg };
 
-// By the extension (png, ppm, pgm, jpg, jpeg; upper case too). An Error for any other name.
+enum class SampleDepth {
+    Eight,     // samples of more bits are rounded
+    AsStored,  // as many bits as the file tells, at least 8
+};
+
+// By the extension (png, ppm, pgm, pam, jpg, jpeg; upper case too). An Error for any other name.
 ImageFormat formatOf(const std::string& path);
 
-// The rows of a PNG, PPM or PGM file, all made 8 bits deep; palettes become colours, transparency shows white.
-std::unique_ptr<RowReader> openPicture(const std::string& path);
+// The rows of a PNG, PPM, PGM or PAM file; palettes become colours, transparency shows white.
+std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth = SampleDepth::Eight);
 
-// Writes a PNG, PPM or PGM picture to `sink`, which must outlive the writer. A PPM picture of one channel has equal
-// colours; a PGM picture must have one channel.
+// Writes a PNG, PPM, PGM or PAM picture to `sink`, which must outlive the writer. A PPM picture of one channel has equal
+// colours; a PGM picture must have one channel, and four fit into PAM only.
 std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink);
 
 }  // namespace vekpix

@@ -2,9 +2,13 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
+#include <limits>
 #include <optional>
+#include <vector>
 
 #include "error.h"
 #include "image/memory_rows.h"
@@ -53,14 +57,17 @@ private:
 };
 
 // Over white, to the nearest.
-uint8_t overWhite(uint8_t colour, uint8_t alpha)
+template <class Sample>
+Sample overWhite(Sample colour, Sample alpha)
 {
-    return static_cast<uint8_t>((colour * alpha + 255 * (255 - alpha) + 127) / 255);
+    constexpr uint32_t white = std::numeric_limits<Sample>::max();
+    return static_cast<Sample>((uint32_t{colour} * alpha + white * (white - alpha) + white / 2) / white);
 }
 
 class PngReader : public RowReader {
 public:
-    explicit PngReader(const std::string& path) : file_(path), failure_(path + ": no sound PNG picture: ")
+    PngReader(const std::string& path, SampleDepth depth)
+        : file_(path), depth_(depth), failure_(path + ": no sound PNG picture: ")
     {
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &failure_, PngFailure::onError, PngFailure::onWarning);
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
@@ -88,8 +95,7 @@ public:
             uint8_t* row = pixels + step * static_cast<size_t>(y);
             uint8_t* target = hasAlpha_ ? withAlpha_.data() : row;
             failure_.run(png_, [&] { png_read_row(png_, target, nullptr); });
-            if (hasAlpha_)
-                flatten(withAlpha_.data(), row);
+            finishRow(target, row);
         }
     }
 
@@ -102,7 +108,10 @@ private:
             png_set_read_fn(png_, this, onRead);
             png_read_info(png_, info_);
             png_set_expand(png_);
-            png_set_scale_16(png_);
+            if (depth_ == SampleDepth::AsStored && png_get_bit_depth(png_, info_) == 16)
+                keepSixteen();
+            else
+                png_set_scale_16(png_);
             shape_.width = static_cast<int>(png_get_image_width(png_, info_));
             shape_.height = static_cast<int>(png_get_image_height(png_, info_));
             passes_ = png_set_interlace_handling(png_);
@@ -116,7 +125,7 @@ private:
         hasAlpha_ = fileChannels % 2 == 0;
         shape_.channels = fileChannels - (hasAlpha_ ? 1 : 0);
         if (hasAlpha_)
-            withAlpha_.resize(static_cast<size_t>(width()) * static_cast<size_t>(fileChannels));
+            withAlpha_.resize(static_cast<size_t>(width()) * static_cast<size_t>(fileChannels) * shape_.sampleBytes());
         if (passes_ > 1)
             readInterlaced();
     }
@@ -125,23 +134,59 @@ private:
     void readInterlaced()
     {
         const int channels = shape_.channels + (hasAlpha_ ? 1 : 0);
-        Raster raw(Shape{width(), height(), channels});
+        Raster raw(Shape{width(), height(), channels, shape_.bits});
         for (int pass = 0; pass < passes_; ++pass)
             for (int y = 0; y < height(); ++y) failure_.run(png_, [&] { png_read_row(png_, raw.row(y), nullptr); });
         raw.shape.channels = shape_.channels;
-        if (hasAlpha_)
-            for (int y = 0; y < height(); ++y)  // rows only move towards the front
-                flatten(raw.pixels.data() + withAlpha_.size() * static_cast<size_t>(y), raw.row(y));
+        const size_t rawRow = hasAlpha_ ? withAlpha_.size() : raw.shape.rowBytes();
+        for (int y = 0; y < height(); ++y)  // rows only move towards the front
+            finishRow(raw.pixels.data() + rawRow * static_cast<size_t>(y), raw.row(y));
         whole_ = std::move(raw);
         wholeRows_.emplace(*whole_);
     }
 
-    void flatten(const uint8_t* from, uint8_t* to) const
+    // Samples of 16 bits, of which the picture may tell how many are significant: the high ones.
+    void keepSixteen()
     {
+        png_set_swap(png_);  // to the machine's order
+        shape_.bits = 16;
+        png_color_8p significant = nullptr;
+        if (png_get_sBIT(png_, info_, &significant) == PNG_INFO_sBIT) {
+            const bool grey = (png_get_color_type(png_, info_) & PNG_COLOR_MASK_COLOR) == 0;
+            const int most =
+                grey ? significant->gray : std::max({significant->red, significant->green, significant->blue});
+            shape_.bits = std::clamp(most, 9, 16);
+        }
+    }
+
+    // From the file's layout to the picture's, which may be the same.
+    void finishRow(const uint8_t* from, uint8_t* to) const
+    {
+        if (shape_.bits == 8)
+            finishSamples<uint8_t>(from, to);
+        else
+            finishSamples<uint16_t>(from, to);
+    }
+
+    template <class Sample>
+    void finishSamples(const uint8_t* from, uint8_t* to) const
+    {
+        const int shift = static_cast<int>(8 * sizeof(Sample)) - shape_.bits;
+        if (!hasAlpha_ && shift == 0)
+            return;
         const auto channels = static_cast<size_t>(shape_.channels);
-        for (size_t x = 0; x < static_cast<size_t>(width()); ++x, from += channels + 1, to += channels) {
-            const uint8_t alpha = from[channels];
-            for (size_t c = 0; c < channels; ++c) to[c] = overWhite(from[c], alpha);
+        const size_t fileChannels = channels + (hasAlpha_ ? 1 : 0);
+        std::array<Sample, 4> pixel{};
+        for (size_t x = 0; x < static_cast<size_t>(width()); ++x) {
+            std::memcpy(pixel.data(), from, fileChannels * sizeof(Sample));
+            for (size_t c = 0; c < channels; ++c) {
+                if (hasAlpha_)
+                    pixel[c] = overWhite(pixel[c], pixel[channels]);
+                pixel[c] = static_cast<Sample>(pixel[c] >> shift);
+            }
+            std::memcpy(to, pixel.data(), channels * sizeof(Sample));
+            from += fileChannels * sizeof(Sample);
+            to += channels * sizeof(Sample);
         }
     }
 
@@ -159,6 +204,7 @@ private:
     }
 
     InputFile file_;
+    SampleDepth depth_;
     PngFailure failure_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
@@ -171,8 +217,10 @@ private:
 
 class PngWriter : public RowWriter {
 public:
-    PngWriter(const Shape& shape, ByteSink& sink) : sink_(sink), failure_("cannot write a PNG picture: ")
+    PngWriter(const Shape& shape, ByteSink& sink) : shape_(shape), sink_(sink), failure_("cannot write a PNG picture: ")
     {
+        if (shape.channels == 4)
+            throw Error("a PNG file holds no picture of inks");
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &failure_, PngFailure::onError, PngFailure::onWarning);
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
         if (!info_) {
@@ -180,7 +228,7 @@ public:
             throw std::bad_alloc();
         }
         try {
-            failure_.run(png_, [&] { start(shape); });
+            failure_.run(png_, [&] { start(); });
         } catch (...) {
             png_destroy_write_struct(&png_, &info_);
             throw;
@@ -191,9 +239,12 @@ public:
 
     void writeRows(const uint8_t* pixels, size_t step, int rows) override
     {
-        failure_.run(png_, [&] {
-            for (int y = 0; y < rows; ++y) png_write_row(png_, pixels + step * static_cast<size_t>(y));
-        });
+        for (int y = 0; y < rows; ++y) {
+            const uint8_t* row = pixels + step * static_cast<size_t>(y);
+            if (shape_.bits > 8)
+                row = widened(row);
+            failure_.run(png_, [&] { png_write_row(png_, row); });
+        }
     }
 
     void finish() override
@@ -204,14 +255,32 @@ public:
 private:
     static constexpr int compressionLevel = 3;  // higher ones cost far more time than they save room on photographs
 
-    void start(const Shape& shape)
+    void start()
     {
         png_set_write_fn(png_, this, onWrite, onFlush);
-        png_set_IHDR(png_, info_, static_cast<png_uint_32>(shape.width), static_cast<png_uint_32>(shape.height), 8,
-                     shape.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-                     PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+        png_set_IHDR(png_, info_, static_cast<png_uint_32>(shape_.width), static_cast<png_uint_32>(shape_.height),
+                     shape_.bits > 8 ? 16 : 8, shape_.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB,
+                     PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
         png_set_compression_level(png_, compressionLevel);
+        if (shape_.bits > 8 && shape_.bits < 16) {
+            const auto bits = static_cast<png_byte>(shape_.bits);
+            const png_color_8 significant = {bits, bits, bits, bits, 0};
+            png_set_sBIT(png_, info_, &significant);
+        }
         png_write_info(png_, info_);
+        if (shape_.bits > 8)
+            png_set_swap(png_);  // from the machine's order
+    }
+
+    // Samples in all 16 bits: their high bits come again in the low ones.
+    const uint8_t* widened(const uint8_t* row)
+    {
+        words_.resize(shape_.rowSamples());
+        std::memcpy(words_.data(), row, shape_.rowBytes());
+        const int up = 16 - shape_.bits;
+        const int down = shape_.bits - up;
+        for (uint16_t& word : words_) word = static_cast<uint16_t>(word << up | word >> down);
+        return reinterpret_cast<const uint8_t*>(words_.data());
     }
 
     static void onWrite(png_structp png, png_bytep bytes, size_t length)
@@ -229,7 +298,9 @@ private:
     }
     static void onFlush(png_structp) {}
 
+    Shape shape_;
     ByteSink& sink_;
+    std::vector<uint16_t> words_;
     PngFailure failure_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
@@ -237,7 +308,10 @@ private:
 
 }  // namespace
 
-std::unique_ptr<RowReader> openPng(const std::string& path) { return std::make_unique<PngReader>(path); }
+std::unique_ptr<RowReader> openPng(const std::string& path, SampleDepth depth)
+{
+    return std::make_unique<PngReader>(path, depth);
+}
 
 std::unique_ptr<RowWriter> makePngWriter(const Shape& shape, ByteSink& sink)
 {

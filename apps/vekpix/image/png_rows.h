@@ -5,12 +5,13 @@
 #include <memory>
 #include <string>
 
+#include "image/formats.h"
 #include "image/rows.h"
 #include "io/byte_sink.h"
 
 namespace vekpix {
 
-std::unique_ptr<RowReader> openPng(const std::string& path);
+std::unique_ptr<RowReader> openPng(const std::string& path, SampleDepth depth);
 std::unique_ptr<RowWriter> makePngWriter(const Shape& shape, ByteSink& sink);
 
 }  // namespace vekpix

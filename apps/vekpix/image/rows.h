@@ -1,4 +1,6 @@
-// Pictures as rows of 8-bit samples: grey (one channel) or red, green, blue (three, interleaved), from the top.
+// Pictures as rows of interleaved samples, from the top: grey (one channel), red, green, blue (three), or the inks cyan,
+// magenta, yellow, black (four; the largest value is all ink). Samples of more than 8 bits are 16-bit words in the
+// machine's own order.
 #ifndef VEKPIX_IMAGE_ROWS_H
 #define VEKPIX_IMAGE_ROWS_H
 
@@ -10,9 +12,12 @@ namespace vekpix {
 struct Shape {
     int width = 0;
     int height = 0;
-    int channels = 0;  // 1 or 3
+    int channels = 0;  // 1, 3 or 4
+    int bits = 8;      // 8 .. 16
 
-    size_t rowBytes() const { return static_cast<size_t>(width) * static_cast<size_t>(channels); }
+    size_t sampleBytes() const { return bits > 8 ? 2 : 1; }
+    size_t rowSamples() const { return static_cast<size_t>(width) * static_cast<size_t>(channels); }
+    size_t rowBytes() const { return rowSamples() * sampleBytes(); }
     bool operator==(const Shape&) const = default;
 };
 

@@ -16,7 +16,8 @@ Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)
     const Picture picture = readHeaders(file);
     width_ = divideUp(picture.frame.width, options.scale);
     height_ = divideUp(picture.frame.height, options.scale);
-    channels_ = picture.colours == ColourModel::Grey ? 1 : 3;
+    const size_t components = picture.frame.components.size();
+    channels_ = components == 1 ? 1 : components == 4 && options.inks ? 4 : 3;
     source_ = picture.frame.progressive ? makeProgressiveBands(picture, options) : makeMcuBands(picture, options);
     if (!source_)
         source_ = makePlaneBands(picture, options);

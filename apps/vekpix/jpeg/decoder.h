@@ -19,11 +19,12 @@ struct DecodeOptions {
     int scale = 1;    // 1, 2, 4 or 8: the size that is divided out, rounded up
     int threads = 1;  // threads that may work on the picture
     Upsampling upsampling = Upsampling::Smooth;
+    bool inks = false;  // gives the inks of a CMYK or YCCK file, not the colour that they make on paper
 };
 
 class BandSource;
 
-// Grey files give one channel, all others three (red, green, blue). The file's bytes must outlive the decoder.
+// Grey files give one channel, all others three (red, green, blue), or four inks of which 255 is all. The file's bytes must outlive the decoder.
 // Everything that is wrong with a file is an Error: in the constructor for its headers, in readBand() for its data.
 class Decoder {
 public:

@@ -32,6 +32,8 @@ void check(const Shape& picture, const EncodeOptions& options)
     checkRange("the restart interval", options.restartInterval, 0, maxSize);
     if (options.threads < 1)
         throw Error("at least one thread must work");
+    if (picture.channels == 4 && options.grey)
+        throw Error("a picture of inks has no luminance to be coded alone");
     if (picture.width < 1 || picture.height < 1)
         throw Error("the picture is empty");
     if (picture.width > maxSize || picture.height > maxSize)
@@ -69,8 +71,7 @@ void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options)
 {
     check(picture.shape(), options);
     const McuLayout layout(picture.shape(), options);
-    const ScanLayout scan = {layout.colour ? layout.luminanceBlocks() : 1, layout.blocksPerMcu(),
-                             options.restartInterval, int64_t{layout.mcusPerRow()} * layout.mcuRows()};
+    const ScanLayout scan = {layout, options.restartInterval, int64_t{layout.mcusPerRow()} * layout.mcuRows()};
     const std::array<QuantizerSteps, 2> steps = {scaled(standardLuminanceSteps, options.quality),
                                                  scaled(standardChrominanceSteps, options.quality)};
     const McuTransform transform(layout, steps[0], steps[1]);

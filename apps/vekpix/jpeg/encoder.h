@@ -1,4 +1,5 @@
-// A picture becomes a sequential JPEG file (ITU T.81, Annex F.1), in bands from top to bottom.
+// A picture becomes a sequential JPEG file (ITU T.81, Annex F.1), in bands from top to bottom. Grey and YCbCr files are
+// JFIF files; those of other colours tell them by Adobe's marker, and have inks inverted, as is usual.
 #ifndef VEKPIX_JPEG_ENCODER_H
 #define VEKPIX_JPEG_ENCODER_H
 
@@ -24,6 +25,7 @@ struct EncodeOptions {
     int restartInterval = 0;               // MCUs between restart markers; 0: none
     bool optimizeTables = false;           // Huffman tables made for the picture, by a second pass over it
     bool grey = false;                     // of a colour picture, code the luminance only
+    bool colourTransform = true;           // YCbCr and YCCK; else RGB and CMYK, in which no component is subsampled
     int threads = 1;                       // threads that may work on the picture; the file does not depend on it
     std::function<void(int rows)> onRows;  // hears of rows done, encodePasses() times the height in all
 };

@@ -18,8 +18,6 @@ constexpr size_t maxMcuBytes = maxBlocksPerMcu * maxBlockBytes + fastPathBytes +
 // Sums in the table builder stay below its bound of 10^9.
 constexpr int64_t maxCountSum = 500'000'000;
 
-size_t tableOf(size_t component) { return component == 0 ? 0 : 1; }
-
 }  // namespace
 
 EncoderTables::EncoderTables(const ScanTables& lists)
@@ -53,9 +51,9 @@ void EntropyWriter::code(const int16_t* blocks, int64_t mcu)
     if (bytes_.size() - static_cast<size_t>(length_) < maxMcuBytes)
         bytes_.resize(2 * bytes_.size());
     const int room = static_cast<int>(bytes_.size());
-    for (int b = 0; b < layout_.blocksPerMcu; ++b) {
+    for (int b = 0; b < layout_.layout.blocksPerMcu(); ++b) {
         const size_t component = layout_.componentOf(b);
-        const size_t table = tableOf(component);
+        const size_t table = layout_.tableOf(component);
         expectOk(vekiEncodeHuffman8x8_JPEG_16s1u_C1(blocks + blockSize * static_cast<size_t>(b), bytes_.data(), room,
                                                     &length_, &lastDc_[component], tables_->dc(table),
                                                     tables_->ac(table), state_.get(), 0),
@@ -105,9 +103,9 @@ ScanTables SymbolStatistics::optimalTables() const
 
 void EntropyCounter::code(const int16_t* blocks, int64_t mcu)
 {
-    for (int b = 0; b < layout_.blocksPerMcu; ++b) {
+    for (int b = 0; b < layout_.layout.blocksPerMcu(); ++b) {
         const size_t component = layout_.componentOf(b);
-        const size_t table = tableOf(component);
+        const size_t table = layout_.tableOf(component);
         expectOk(vekiGetHuffmanStatistics8x8_JPEG_16s_C1(blocks + blockSize * static_cast<size_t>(b), dc_[table].data(),
                                                          ac_[table].data(), &lastDc_[component]),
                  "Huffman statistics");

@@ -40,16 +40,12 @@ private:
 // What becomes of the MCUs of a scan: bytes or statistics. MCUs come in their order, and a coder may begin with any MCU
 // that begins a restart interval, so that several coders can share a scan.
 struct ScanLayout {
-    int luminanceBlocks;
-    int blocksPerMcu;
+    McuLayout layout;
     int restartInterval;  // MCUs; 0: none
     int64_t mcus;         // of the whole scan
 
-    // The component of a block in its MCU: 0 luminance, 1 Cb, 2 Cr.
-    size_t componentOf(int block) const
-    {
-        return static_cast<size_t>(block < luminanceBlocks ? 0 : block - luminanceBlocks + 1);
-    }
+    size_t componentOf(int block) const { return layout.componentOf(block); }
+    size_t tableOf(size_t component) const { return layout.isChroma(component) ? 1 : 0; }
     // True behind the last MCU of an interval other than the last.
     bool restartsBehind(int64_t mcu) const
     {
@@ -76,7 +72,7 @@ private:
     ScanLayout layout_;
     const EncoderTables* tables_;
     std::unique_ptr<VekEncodeHuffmanState, StateDeleter> state_;
-    std::array<int16_t, 3> lastDc_{};
+    std::array<int16_t, 4> lastDc_{};
     std::vector<uint8_t> bytes_;
     int length_ = 0;  // of what is used of bytes_
 };
@@ -105,7 +101,7 @@ private:
     using Counts = std::array<int, 256>;
 
     ScanLayout layout_;
-    std::array<int16_t, 3> lastDc_{};
+    std::array<int16_t, 4> lastDc_{};
     std::array<Counts, 2> dc_{};
     std::array<Counts, 2> ac_{};
 };

@@ -15,9 +15,9 @@ namespace {
 
 class JpegRows : public RowReader {
 public:
-    JpegRows(const std::string& path, int threads) : path_(path), file_(readFile(path))
+    JpegRows(const std::string& path, const DecodeOptions& options) : path_(path), file_(readFile(path))
     {
-        named([&] { decoder_.emplace(file_, DecodeOptions{1, threads}); });
+        named([&] { decoder_.emplace(file_, options); });
         shape_ = {decoder_->width(), decoder_->height(), decoder_->channels()};
         band_.resize(shape_.rowBytes() * static_cast<size_t>(decoder_->bandRows()));
     }
@@ -56,9 +56,9 @@ private:
 
 }  // namespace
 
-std::unique_ptr<RowReader> openJpeg(const std::string& path, int threads)
+std::unique_ptr<RowReader> openJpeg(const std::string& path, const DecodeOptions& options)
 {
-    return std::make_unique<JpegRows>(path, threads);
+    return std::make_unique<JpegRows>(path, options);
 }
 
 }  // namespace vekpix::jpeg

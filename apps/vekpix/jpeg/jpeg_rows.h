@@ -6,10 +6,11 @@
 #include <string>
 
 #include "image/rows.h"
+#include "jpeg/decoder.h"
 
 namespace vekpix::jpeg {
 
-std::unique_ptr<RowReader> openJpeg(const std::string& path, int threads);
+std::unique_ptr<RowReader> openJpeg(const std::string& path, const DecodeOptions& options);
 
 }  // namespace vekpix::jpeg
 

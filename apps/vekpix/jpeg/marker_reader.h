@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "jpeg/colour_model.h"
 #include "vekj.h"
 
 namespace vekpix::jpeg {
@@ -84,8 +85,6 @@ struct Scan {
     int restartInterval = 0;  // MCUs; 0 without restart markers
     size_t dataBegin = 0;     // first byte of the entropy-coded data in the file
 };
-
-enum class ColourModel { Grey, YCbCr, Rgb, Cmyk, Ycck };
 
 // One marker segment, for listings.
 struct Segment {

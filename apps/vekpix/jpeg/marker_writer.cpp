@@ -56,6 +56,18 @@ void writeJfif(ByteSink& sink)
         .writeTo(sink);
 }
 
+// The application marker by which files tell colours that JFIF does not know: whether they are transformed.
+void writeAdobe(ByteSink& sink, bool transformed)
+{
+    SegmentBytes(APP14)
+        .bytes(std::array<uint8_t, 5>{'A', 'd', 'o', 'b', 'e'})
+        .word(100)  // version
+        .word(0)    // no flags
+        .word(0)
+        .byte(transformed ? 2 : 0)
+        .writeTo(sink);
+}
+
 void writeHuffmanTable(ByteSink& sink, int classAndSlot, const CodeLists& lists)
 {
     SegmentBytes(DHT)
@@ -70,17 +82,24 @@ void writeHuffmanTable(ByteSink& sink, int classAndSlot, const CodeLists& lists)
 void writeHeaders(ByteSink& sink, const McuLayout& layout, const std::array<QuantizerSteps, 2>& steps,
                   const ScanTables& tables, int restartInterval)
 {
-    const int components = layout.colour ? 3 : 1;
-    const int tableCount = layout.colour ? 2 : 1;
+    const int components = layout.components();
+    const int tableCount = layout.isChroma(1) ? 2 : 1;
+    const bool rgb = layout.colours == ColourModel::Rgb;
+    const auto idOf = [&](int component) { return rgb ? "RGB"[component] : component + 1; };
+    const auto tableOf = [&](int component) { return layout.isChroma(static_cast<size_t>(component)) ? 1 : 0; };
 
     writeMarker(sink, SOI);
-    writeJfif(sink);
+    if (rgb || layout.hasInks())
+        writeAdobe(sink, layout.colours == ColourModel::Ycck);
+    else
+        writeJfif(sink);
     for (int t = 0; t < tableCount; ++t) SegmentBytes(DQT).byte(t).bytes(steps[static_cast<size_t>(t)]).writeTo(sink);
 
     SegmentBytes frame(SOF0);
     frame.byte(8).word(layout.picture.height).word(layout.picture.width).byte(components);
     const int luminanceSampling = (layout.mcuWidth() / 8) << 4 | layout.mcuHeight() / 8;
-    for (int c = 0; c < components; ++c) frame.byte(c + 1).byte(c == 0 ? luminanceSampling : 0x11).byte(std::min(c, 1));
+    for (int c = 0; c < components; ++c)
+        frame.byte(idOf(c)).byte(tableOf(c) == 0 ? luminanceSampling : 0x11).byte(tableOf(c));
     frame.writeTo(sink);
 
     for (int t = 0; t < tableCount; ++t) {
@@ -92,7 +111,7 @@ void writeHeaders(ByteSink& sink, const McuLayout& layout, const std::array<Quan
 
     SegmentBytes scan(SOS);
     scan.byte(components);
-    for (int c = 0; c < components; ++c) scan.byte(c + 1).byte(c == 0 ? 0x00 : 0x11);
+    for (int c = 0; c < components; ++c) scan.byte(idOf(c)).byte(tableOf(c) == 0 ? 0x00 : 0x11);
     scan.byte(0).byte(63).byte(0);  // all coefficients at full precision
     scan.writeTo(sink);
 }

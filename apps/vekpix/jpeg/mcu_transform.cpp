@@ -8,10 +8,13 @@
 
 namespace vekpix::jpeg {
 
-McuLayout::McuLayout(const Shape& shape, const EncodeOptions& options)
-    : picture(shape), colour(shape.channels == 3 && !options.grey)
+McuLayout::McuLayout(const Shape& shape, const EncodeOptions& options) : picture(shape)
 {
-    if (colour)
+    if (shape.channels == 4)
+        colours = options.colourTransform ? ColourModel::Ycck : ColourModel::Cmyk;
+    else if (shape.channels == 3 && !options.grey)
+        colours = options.colourTransform ? ColourModel::YCbCr : ColourModel::Rgb;
+    if (isChroma(1))
         sampling = options.sampling;
     if (sampling != ChromaSampling::Full444)
         downsampling = options.downsampling;
@@ -31,7 +34,8 @@ void McuTransform::transform(const PixelBand& band, int mcuColumn, int16_t* bloc
     const int columns = std::min(layout_.picture.width - mcuColumn * width, width);
     const int rows = std::min(band.rows, height);
     const uint8_t* pixels = band.pixels + static_cast<size_t>(mcuColumn * width) * channels_;
-    if (columns == width && rows == height) {
+    const bool inks = layout_.hasInks();
+    if (columns == width && rows == height && !inks) {
         transformWhole(pixels, static_cast<int>(band.step), blocks);
         return;
     }
@@ -40,7 +44,10 @@ void McuTransform::transform(const PixelBand& band, int mcuColumn, int16_t* bloc
         uint8_t* row = patch.data() + patchStep * static_cast<size_t>(y);
         const uint8_t* from = pixels + band.step * static_cast<size_t>(std::min(y, rows - 1));
         const size_t bytes = static_cast<size_t>(columns) * channels_;
-        std::memcpy(row, from, bytes);
+        if (inks)
+            std::transform(from, from + bytes, row, [](uint8_t ink) { return static_cast<uint8_t>(255 - ink); });
+        else
+            std::memcpy(row, from, bytes);
         for (size_t i = bytes; i < static_cast<size_t>(width) * channels_; ++i) row[i] = row[i - channels_];
     }
     transformWhole(patch.data(), patchStep, blocks);
@@ -52,11 +59,15 @@ void McuTransform::transformWhole(const uint8_t* pixels, int step, int16_t* bloc
         expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(pixels, step, blocks, luminance_.data()), "DCT");
         return;
     }
-    if (!layout_.colour) {
+    if (layout_.colours == ColourModel::Grey) {
         alignas(blockAlignment) std::array<int16_t, 2 * blockSize> chroma;  // made and left
         int16_t* const planes[3] = {blocks, chroma.data(), chroma.data() + blockSize};
         expectOk(vekiRGBToYCbCr444LS_MCU_8u16s_C3P3R(pixels, step, planes), "colour conversion");
-        expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(blocks, luminance_.data()), "DCT");
+        quantise(blocks);
+        return;
+    }
+    if (layout_.colours == ColourModel::Cmyk) {
+        transformInks(pixels, step, blocks);
         return;
     }
     if (layout_.downsampling == ChromaDownsampling::Rows) {
@@ -64,49 +75,73 @@ void McuTransform::transformWhole(const uint8_t* pixels, int step, int16_t* bloc
         return;
     }
     int16_t* const cb = blocks + blockSize * static_cast<size_t>(layout_.luminanceBlocks());
-    int16_t* const planes[3] = {blocks, cb, cb + blockSize};
-    switch (layout_.sampling) {
-        case ChromaSampling::Full444:
-            expectOk(vekiRGBToYCbCr444LS_MCU_8u16s_C3P3R(pixels, step, planes), "colour conversion");
-            break;
-        case ChromaSampling::Half422:
-            expectOk(vekiRGBToYCbCr422LS_MCU_8u16s_C3P3R(pixels, step, planes), "colour conversion");
-            break;
-        case ChromaSampling::Quarter420:
-            expectOk(vekiRGBToYCbCr411LS_MCU_8u16s_C3P3R(pixels, step, planes), "colour conversion");
-            break;
+    int16_t* const planes[4] = {blocks, cb, cb + blockSize, cb + 2 * blockSize};
+    const size_t sampling = static_cast<size_t>(layout_.sampling);
+    if (layout_.colours == ColourModel::Ycck) {
+        constexpr std::array members = {vekiCMYKToYCCK444LS_MCU_8u16s_C4P4R, vekiCMYKToYCCK422LS_MCU_8u16s_C4P4R,
+                                        vekiCMYKToYCCK411LS_MCU_8u16s_C4P4R};
+        expectOk(members[sampling](pixels, step, planes), "colour conversion");
+    } else if (layout_.colours == ColourModel::Rgb) {
+        expectOk(vekiSampleDown444LS_MCU_8u16s_C3P3R(pixels, step, planes), "level shift");
+    } else {
+        constexpr std::array members = {vekiRGBToYCbCr444LS_MCU_8u16s_C3P3R, vekiRGBToYCbCr422LS_MCU_8u16s_C3P3R,
+                                        vekiRGBToYCbCr411LS_MCU_8u16s_C3P3R};
+        expectOk(members[sampling](pixels, step, planes), "colour conversion");
     }
-    for (int16_t* block = blocks; block != cb; block += blockSize)
-        expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(block, luminance_.data()), "DCT");
-    expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(planes[1], chrominance_.data()), "DCT");
-    expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(planes[2], chrominance_.data()), "DCT");
+    quantise(blocks);
+}
+
+void McuTransform::quantise(int16_t* blocks) const
+{
+    for (int b = 0; b < layout_.blocksPerMcu(); ++b, blocks += blockSize) {
+        const Quantizer& quantizer = layout_.isChroma(layout_.componentOf(b)) ? chrominance_ : luminance_;
+        expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(blocks, quantizer.data()), "DCT");
+    }
+}
+
+void McuTransform::transformInks(const uint8_t* pixels, int step, int16_t* blocks) const
+{
+    std::array<uint8_t, blockSize> samples;
+    for (size_t c = 0; c < channels_; ++c, blocks += blockSize) {
+        for (size_t i = 0; i < blockSize; ++i)
+            samples[i] = pixels[static_cast<size_t>(step) * (i / 8) + channels_ * (i % 8) + c];
+        expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(samples.data(), 8, blocks, luminance_.data()), "DCT");
+    }
 }
 
 void McuTransform::transformByRows(const uint8_t* pixels, int step, int16_t* blocks) const
 {
     constexpr int side = 16;
     using Plane = std::array<uint8_t, side * side>;
-    alignas(blockAlignment) std::array<Plane, 3> samples;
-    uint8_t* const planes[3] = {samples[0].data(), samples[1].data(), samples[2].data()};
-    expectOk(vekiRGBToYCbCr_JPEG_8u_C3P3R(pixels, step, planes, side, {side, layout_.mcuHeight()}),
-             "colour conversion");
-    for (int y = 0; y < layout_.mcuHeight(); y += 8)
-        for (int x = 0; x < side; x += 8, blocks += blockSize)
-            expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(planes[0] + y * side + x, side, blocks, luminance_.data()),
-                     "DCT");
-    for (const uint8_t* plane : {planes[1], planes[2]}) {
+    alignas(blockAlignment) std::array<Plane, 4> samples;
+    uint8_t* const planes[4] = {samples[0].data(), samples[1].data(), samples[2].data(), samples[3].data()};
+    const VekSize mcu = {side, layout_.mcuHeight()};
+    if (layout_.hasInks())
+        expectOk(vekiCMYKToYCCK_JPEG_8u_C4P4R(pixels, step, planes, side, mcu), "colour conversion");
+    else
+        expectOk(vekiRGBToYCbCr_JPEG_8u_C3P3R(pixels, step, planes, side, mcu), "colour conversion");
+    for (size_t c = 0; c < channels_; ++c) {
         alignas(blockAlignment) Plane averaged;  // its rows lie at multiples of 16, where no rule of alignment bites
-        for (int y = 0; y < 8; ++y) {
-            uint8_t* to = averaged.data() + y * side;
-            if (layout_.sampling == ChromaSampling::Half422)
-                expectOk(vekiSampleDownRowH2V1_Box_JPEG_8u_C1(plane + y * side, side, to), "down-sampling");
-            else
-                expectOk(
-                    vekiSampleDownRowH2V2_Box_JPEG_8u_C1(plane + 2 * y * side, plane + (2 * y + 1) * side, side, to),
-                    "down-sampling");
+        VekSize size = mcu;
+        const uint8_t* plane = planes[c];
+        if (layout_.isChroma(c)) {
+            size = {8, 8};
+            for (int y = 0; y < size.height; ++y) {
+                uint8_t* to = averaged.data() + y * side;
+                if (layout_.sampling == ChromaSampling::Half422)
+                    expectOk(vekiSampleDownRowH2V1_Box_JPEG_8u_C1(plane + y * side, side, to), "down-sampling");
+                else
+                    expectOk(vekiSampleDownRowH2V2_Box_JPEG_8u_C1(plane + 2 * y * side, plane + (2 * y + 1) * side,
+                                                                  side, to),
+                             "down-sampling");
+            }
+            plane = averaged.data();
         }
-        expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(averaged.data(), side, blocks, chrominance_.data()), "DCT");
-        blocks += blockSize;
+        const Quantizer& quantizer = layout_.isChroma(c) ? chrominance_ : luminance_;
+        for (int y = 0; y < size.height; y += 8)
+            for (int x = 0; x < size.width; x += 8, blocks += blockSize)
+                expectOk(vekiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(plane + y * side + x, side, blocks, quantizer.data()),
+                         "DCT");
     }
 }
 

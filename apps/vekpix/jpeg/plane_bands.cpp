@@ -46,6 +46,7 @@ private:
 
     ColourModel colours_;
     bool inverted_;
+    bool inksOut_;
     int width_;
     int mcuHeight_;  // pixels
     int mcusPerRow_;
@@ -63,6 +64,7 @@ private:
 PlaneBands::PlaneBands(const Picture& picture, const DecodeOptions& options)
     : colours_(picture.colours),
       inverted_(picture.inverted),
+      inksOut_(options.inks),
       width_(divideUp(picture.frame.width, options.scale)),
       mcuHeight_(8 * picture.frame.maxVerticalSampling() / options.scale),
       mcusPerRow_(picture.mcusPerRow()),
@@ -183,13 +185,19 @@ void PlaneBands::convertRows(int first, int count, uint8_t* pixels, size_t step)
 }
 
 // Ink on paper to light: the share of light that the colour's ink and the black ink let through.
-void cmykToRgb(const uint8_t* inks, bool inverted, uint8_t* pixels, int width)
+void inksToRgb(const uint8_t* inks, bool inverted, uint8_t* pixels, int width)
 {
     const int flip = inverted ? 0 : 255;
     for (int x = 0; x < width; ++x, inks += 4, pixels += 3) {
         const int black = inks[3] ^ flip;
         for (int c = 0; c < 3; ++c) pixels[c] = static_cast<uint8_t>(((inks[c] ^ flip) * black + 127) / 255);
     }
+}
+
+void uninvert(const uint8_t* inks, bool inverted, uint8_t* pixels, int width)
+{
+    const int flip = inverted ? 255 : 0;
+    for (size_t i = 0; i < static_cast<size_t>(width) * 4; ++i) pixels[i] = static_cast<uint8_t>(inks[i] ^ flip);
 }
 
 template <int channels>
@@ -219,7 +227,6 @@ void PlaneBands::convertRow(const std::array<const uint8_t*, maxComponents>& sam
             break;
         case ColourModel::Cmyk:
             interleave<4>(samples, inks, width_);
-            cmykToRgb(inks, inverted_, pixels, width_);
             break;
         case ColourModel::Ycck:
             for (int x = 0; x < width_; x += segmentPixels) {
@@ -228,9 +235,10 @@ void PlaneBands::convertRow(const std::array<const uint8_t*, maxComponents>& sam
                                                       {std::min(segmentPixels, width_ - x), 1}),
                          "colour conversion");
             }
-            cmykToRgb(inks, inverted_, pixels, width_);
             break;
     }
+    if (planes_.size() == 4)
+        (inksOut_ ? uninvert : inksToRgb)(inks, inverted_, pixels, width_);
 }
 
 }  // namespace

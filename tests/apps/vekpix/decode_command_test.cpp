@@ -104,6 +104,26 @@ TEST_F(DecodeCommand, WritesPngPpmAndPgmOfAnyScale)
     }
 }
 
+TEST_F(DecodeCommand, InksGoToPamFilesAndBack)
+{
+    const Picture inks = peer::draw(61, 45, 4, Scene::Soft);
+    for (const Stored stored : {Stored::Cmyk, Stored::Ycck}) {
+        save("in.jpg", peer::write(inks, {.quality = 95, .stored = stored, .jfif = false, .adobe = true}));
+        ASSERT_EQ(0, vekpix({"decode", path("in.jpg"), path("inks.pam")}).status);
+        EXPECT_NE(std::string::npos, vekpix({"info", path("inks.pam")}).output.find("61 x 45, 8 bits, CMYK"));
+        ASSERT_EQ(0, vekpix({"decode", path("in.jpg"), path("light.ppm")}).status);
+        EXPECT_TRUE(support::decode(bytes("in.jpg")).pixels == loadPnm("light.ppm").pixels);
+        std::vector<std::string> encode = {"encode", "--quality", "98", path("inks.pam"), path("out.jpg")};
+        if (stored == Stored::Cmyk)
+            encode.push_back("--no-transform");
+        ASSERT_EQ(0, vekpix(encode).status);
+        const std::string info = vekpix({"info", path("out.jpg")}).output;
+        EXPECT_NE(std::string::npos, info.find(stored == Stored::Cmyk ? "CMYK" : "YCCK")) << info;
+        EXPECT_EQ(0, vekpix({"compare", path("out.jpg"), path("inks.pam")}).status);
+    }
+    EXPECT_NE(std::string::npos, failure({"compare", path("light.ppm"), path("inks.pam")}).find("inks"));
+}
+
 TEST_F(DecodeCommand, DamagedFilesGiveOneLineAndNoPicture)
 {
     std::vector<uint8_t> file = peer::write(peer::draw(61, 45, 3, Scene::Soft), {});

@@ -12,6 +12,7 @@
 #include "image/memory_rows.h"
 #include "jpeg/encoder.h"
 #include "jpeg/entropy_writer.h"
+#include "jpeg/marker_reader.h"
 #include "jpeg/standard_tables.h"
 #include "jpeg_peer.h"
 #include "support/sanitizers.h"
@@ -265,6 +266,50 @@ TEST(Encoder, RowsOfChromaAreAveragedWithAlternatingRounding)
             SCOPED_TRACE(described(options, picture));
             expectCoefficients(expected, peer::readCoefficients(encode(picture, options)));
         }
+}
+
+// Inks lie inverted in the file, and the peer gives them as they lie there.
+TEST(Encoder, InksAndUntransformedColoursComeBackFromThePeerAndFromHere)
+{
+    for (const int channels : {3, 4})
+        for (const bool transform : {false, true})
+            for (const ChromaSampling sampling :
+                 {ChromaSampling::Full444, ChromaSampling::Half422, ChromaSampling::Quarter420})
+                for (const auto downsampling :
+                     {vekpix::jpeg::ChromaDownsampling::Blocks, vekpix::jpeg::ChromaDownsampling::Rows})
+                    for (const auto& [width, height] : {std::pair(83, 61), std::pair(16, 32), std::pair(1, 1)}) {
+                        EncodeOptions options;
+                        options.quality = 100;
+                        options.colourTransform = transform;
+                        options.sampling = sampling;
+                        options.downsampling = downsampling;
+                        options.threads = 1 + height % 2;
+                        options.optimizeTables = height == 61;
+                        options.restartInterval = height == 61 ? 2 : 0;
+                        const Picture picture = peer::draw(width, height, channels, Scene::Soft);
+                        SCOPED_TRACE(described(options, picture));
+                        const std::vector<uint8_t> file = encode(picture, options);
+                        vekpix::jpeg::MarkerReader markers(file);
+                        ASSERT_TRUE(markers.advanceToScan());
+                        const bool jfif = channels == 3 && transform;
+                        EXPECT_EQ(jfif, markers.hasJfif());
+                        EXPECT_EQ(jfif ? std::nullopt : std::optional<int>(transform ? 2 : 0),
+                                  markers.adobeTransform());
+                        const Picture ours = support::decode(file, {.inks = true});
+                        Picture theirs = peer::read(file);
+                        if (channels == 4)
+                            for (uint8_t& ink : theirs.pixels) ink = static_cast<uint8_t>(255 - ink);
+                        EXPECT_LE(largestDifference(theirs, ours), 3);
+                        if (!transform)
+                            EXPECT_LE(largestDifference(picture, ours), 2);
+                        else if (sampling == ChromaSampling::Full444)
+                            EXPECT_LE(largestDifference(picture, ours), 4);
+                        else
+                            EXPECT_GT(psnr(picture, ours), 30);
+                    }
+    EncodeOptions grey;
+    grey.grey = true;
+    EXPECT_THROW(encode(peer::draw(8, 8, 4, Scene::Soft), grey), vekpix::Error);
 }
 
 TEST(Encoder, ThePeerReadsPicturesOfEverySmallSize)

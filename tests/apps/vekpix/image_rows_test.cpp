@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
 #include "command_support.h"
@@ -138,6 +139,70 @@ TEST_F(ImageRows, AGreyPictureMayBecomeAPpmFileButAColouredOneNoPgmFile)
     EXPECT_THROW(vekpix::makePictureWriter(ImageFormat::Jpeg, {2, 1, 3}, sink), Error);
 }
 
+TEST_F(ImageRows, PamFilesHoldGreyColoursAndInks)
+{
+    for (const int channels : {1, 3, 4}) {
+        const peer::Picture picture = peer::draw(13, 7, channels, peer::Scene::Harsh);
+        save("a.pam", written(ImageFormat::Pam, picture));
+        const char* type = channels == 1 ? "GRAYSCALE" : channels == 3 ? "RGB" : "CMYK";
+        EXPECT_EQ(0u, contents("a.pam").find("P7\nWIDTH 13\nHEIGHT 7\nDEPTH " + std::to_string(channels) +
+                                             "\nMAXVAL 255\nTUPLTYPE " + type + "\nENDHDR\n"));
+        EXPECT_EQ((Shape{13, 7, channels}), load("a.pam").shape);
+        EXPECT_TRUE(picture.pixels == load("a.pam").pixels);
+        EXPECT_TRUE(picture.pixels == loadInBands("a.pam").pixels);
+    }
+    save("a.pam", std::string("P7\n# any order\nTUPLTYPE RGB\nMAXVAL 100\nDEPTH 3\nHEIGHT 1\nWIDTH 1\n\nENDHDR\n") +
+                      std::string("\0\x32\x64", 3));
+    EXPECT_EQ((Bytes{0, 128, 255}), load("a.pam").pixels);
+    const peer::Picture inks = peer::draw(3, 3, 4, peer::Scene::Soft);
+    for (const ImageFormat format : {ImageFormat::Png, ImageFormat::Ppm, ImageFormat::Pgm})
+        EXPECT_THROW(written(format, inks), Error);
+}
+
+// A sample keeps its bits on the way through any format; of a PNG picture, by the bits that it says are significant.
+TEST_F(ImageRows, DeepSamplesComeBackAsTheyWere)
+{
+    for (const int bits : {9, 10, 12, 15, 16})
+        for (const int channels : {1, 3}) {
+            const Shape shape{37, 5, channels, bits};
+            Raster picture(shape);
+            std::vector<uint16_t> samples(shape.rowSamples() * 5);
+            for (size_t i = 0; i < samples.size(); ++i)
+                samples[i] = static_cast<uint16_t>((i * 40503 + (i % 7 == 0 ? 65535 : 0)) & ((1U << bits) - 1));
+            samples[0] = 0;
+            samples[1] = static_cast<uint16_t>((1U << bits) - 1);
+            std::memcpy(picture.pixels.data(), samples.data(), picture.pixels.size());
+            for (const auto& [format, name] :
+                 {std::pair(ImageFormat::Png, "a.png"), std::pair(ImageFormat::Pam, "a.pam"),
+                  std::pair(channels == 1 ? ImageFormat::Pgm : ImageFormat::Ppm, channels == 1 ? "a.pgm" : "a.ppm")}) {
+                MemorySink sink;
+                const auto writer = vekpix::makePictureWriter(format, shape, sink);
+                writer->writeRows(picture.pixels.data(), shape.rowBytes(), 2);
+                writer->writeRows(picture.row(2), shape.rowBytes(), 3);
+                writer->finish();
+                save(name, sink.bytes());
+                const Raster back = readPicture(*vekpix::openPicture(path(name), vekpix::SampleDepth::AsStored));
+                EXPECT_EQ(shape, back.shape) << name;
+                EXPECT_TRUE(picture.pixels == back.pixels) << name << ' ' << bits;
+                const Raster bytes = load(name);
+                EXPECT_EQ((Shape{37, 5, channels}), bytes.shape);
+                for (size_t i = 0; i < samples.size(); ++i)
+                    ASSERT_NEAR(samples[i] * 255.0 / ((1 << bits) - 1), bytes.pixels[i], 0.51) << name << ' ' << bits;
+            }
+        }
+}
+
+TEST_F(ImageRows, DeepTransparencyShowsWhiteInAllBits)
+{
+    for (const int interlacing : {PNG_INTERLACE_NONE, PNG_INTERLACE_ADAM7}) {
+        writePng(path("a.png"), {3, 1, 16, PNG_COLOR_TYPE_GRAY_ALPHA, interlacing},
+                 {0x12, 0x34, 0xFF, 0xFF, 0x12, 0x34, 0, 0, 0, 0, 0x80, 0});
+        const Raster picture = readPicture(*vekpix::openPicture(path("a.png"), vekpix::SampleDepth::AsStored));
+        EXPECT_EQ((Shape{3, 1, 1, 16}), picture.shape);
+        EXPECT_EQ((Bytes{0x34, 0x12, 0xFF, 0xFF, 0xFF, 0x7F}), picture.pixels);
+    }
+}
+
 TEST_F(ImageRows, PnmHeadersMayHoldCommentsAndAnyWhiteSpace)
 {
     for (const std::string header : {"P5 2 1 255\n", "P5\n2 1\n255\n", "P5\n# made by hand\n2 # columns\n1\n#\n255\n",
@@ -181,9 +246,9 @@ TEST_F(ImageRows, APnmReaderGoesBackToItsFirstRow)
 TEST_F(ImageRows, DamagedPnmFilesAreErrors)
 {
     const std::vector<std::pair<std::string, std::string>> files = {
-        {"", "no PPM or PGM picture"},
-        {"P4 1 1\n", "no PPM or PGM picture"},
-        {"hello", "no PPM or PGM picture"},
+        {"", "no PPM, PGM or PAM picture"},
+        {"P4 1 1\n", "no PPM, PGM or PAM picture"},
+        {"hello", "no PPM, PGM or PAM picture"},
         {"P5", "ends before"},
         {"P5 2", "ends before"},
         {"P5 x 1 255\n", "width"},
@@ -197,6 +262,12 @@ TEST_F(ImageRows, DamagedPnmFilesAreErrors)
         {"P2 2 1 255\n1", "ends before"},
         {"P2 2 1 255\n1 256", "sample"},
         {"P2 2 1 255\n1 x", "sample"},
+        {"P7\nWIDTH 2\n", "PAM header"},
+        {"P7\nENDHDR\n", "incomplete PAM header"},
+        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 1\nMAXVAL 255\nENDHDR\n", "ends before"},
+        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 1\nMAXVAL 65536\nENDHDR\n1", "maximal value"},
+        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 2\nMAXVAL 255\nENDHDR\n12", "2 channels"},
+        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n1234", "RGB_ALPHA"},
     };
     for (const auto& [bytes, words] : files) {
         save("a.pgm", bytes);
@@ -284,6 +355,7 @@ TEST_F(ImageRows, TheExtensionTellsTheFormat)
     EXPECT_EQ(ImageFormat::Png, vekpix::formatOf("a/b.PNG"));
     EXPECT_EQ(ImageFormat::Ppm, vekpix::formatOf("b.ppm"));
     EXPECT_EQ(ImageFormat::Pgm, vekpix::formatOf("b.x.pgm"));
+    EXPECT_EQ(ImageFormat::Pam, vekpix::formatOf("b.pam"));
     EXPECT_EQ(ImageFormat::Jpeg, vekpix::formatOf("b.jpg"));
     EXPECT_EQ(ImageFormat::Jpeg, vekpix::formatOf("b.JPEG"));
     EXPECT_THROW(vekpix::formatOf("b"), Error);

@@ -288,10 +288,14 @@ TEST(JpegReader, FourInksBecomeLight)
                 for (int c = 0; c < 3; ++c)
                     light.pixels.push_back(static_cast<uint8_t>((inks.at(x, y, c) * inks.at(x, y, 3) + 127) / 255));
         EXPECT_LE(largestDifference(light, support::decode(file)), rounding);
+        Picture uninverted = inks;
+        for (uint8_t& ink : uninverted.pixels) ink = static_cast<uint8_t>(255 - ink);
+        EXPECT_LE(largestDifference(uninverted, support::decode(file, {.inks = true})), rounding + 1);
     }
     const std::vector<uint8_t> plain = peer::write(picture, {.stored = Stored::Cmyk, .jfif = false});
     const Picture inks = peer::read(plain);
     const Picture light = support::decode(plain);
+    EXPECT_LE(largestDifference(inks, support::decode(plain, {.inks = true})), rounding);
     for (int c = 0; c < 3; ++c)
         EXPECT_NEAR((255 - inks.at(20, 20, c)) * (255 - inks.at(20, 20, 3)) / 255.0, light.at(20, 20, c), rounding);
 }
