@@ -44,6 +44,8 @@ struct Output {
 VekStatus encodeBlock(const std::array<int16_t, 64>& block, Output& out, int16_t& lastDc, const EncodeTable& dc,
                       const EncodeTable& ac, EncoderState& state);
 VekStatus flush(Output& out, EncoderState& state);
+// The `count` lowest bits of `value`.
+VekStatus writeBits(uint32_t value, int count, Output& out, EncoderState& state);
 // At a bit position; `bytes` has the room.
 void encodeDirect(const std::array<int16_t, 64>& block, std::vector<uint8_t>& bytes, int& bitPosition, int16_t& lastDc,
                   const EncodeTable& dc, const EncodeTable& ac);
@@ -61,6 +63,10 @@ struct DecoderState {
     int numBits = 0;
     int endOfBlockPos = 0;
 };
+// What a block is read by, of all the paths the careful one.
+VekStatus refill(Input& in, DecoderState& state, int needed);
+VekStatus decodeSymbol(Input& in, DecoderState& state, const DecodeTable& table, int& symbol);
+VekStatus readValue(Input& in, DecoderState& state, int count, int& v);
 // Both paths: the fast one where it is taken and succeeds, else the careful one.
 VekStatus decodeBlock(Input& in, std::array<int16_t, 64>& block, int16_t& lastDc, const DecodeTable& dc,
                       const DecodeTable& ac, DecoderState& state);

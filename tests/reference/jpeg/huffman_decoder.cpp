@@ -17,6 +17,8 @@ int bitsOf(uint64_t buffer, int numBits, int count)
 
 int extend(int v, int count) { return v < 1 << (count - 1) ? v - (1 << count) + 1 : v; }
 
+}  // namespace
+
 VekStatus refill(Input& in, DecoderState& s, int needed)
 {
     if (in.marker != 0)
@@ -99,6 +101,8 @@ VekStatus readValue(Input& in, DecoderState& s, int count, int& v)
     s.numBits -= count;
     return vekStsOk;
 }
+
+namespace {
 
 VekStatus decodeCarefully(Input& in, std::array<int16_t, 64>& block, int16_t& lastDc, const DecodeTable& dc,
                           const DecodeTable& ac, DecoderState& s)

@@ -18,7 +18,9 @@ uint32_t magnitudeOf(int v, int category)
     return static_cast<uint32_t>(bits) & ((1U << category) - 1);
 }
 
-VekStatus write(uint32_t value, int count, Output& out, EncoderState& state)
+}  // namespace
+
+VekStatus writeBits(uint32_t value, int count, Output& out, EncoderState& state)
 {
     if (count == 0)
         return vekStsJpegHuffmanTable;
@@ -43,9 +45,11 @@ VekStatus write(uint32_t value, int count, Output& out, EncoderState& state)
     return vekStsOk;
 }
 
+namespace {
+
 VekStatus writeCode(uint32_t entry, Output& out, EncoderState& state)
 {
-    return write(entry & 0xFFFF, static_cast<int>(entry >> 16), out, state);
+    return writeBits(entry & 0xFFFF, static_cast<int>(entry >> 16), out, state);
 }
 
 // Calls code(table, symbol) and magnitude(bits, count) for what the block is made of, until one of them fails.
@@ -90,12 +94,12 @@ VekStatus encodeBlock(const std::array<int16_t, 64>& block, Output& out, int16_t
             const uint32_t entry = symbol > 255 ? 0 : (isDc ? dc : ac)[static_cast<size_t>(symbol)];
             return writeCode(entry, out, state);
         },
-        [&](uint32_t bits, int count) { return write(bits, count, out, state); });
+        [&](uint32_t bits, int count) { return writeBits(bits, count, out, state); });
 }
 
 VekStatus flush(Output& out, EncoderState& state)
 {
-    const VekStatus status = write(0x7F, 7, out, state);
+    const VekStatus status = writeBits(0x7F, 7, out, state);
     state = {};
     return status;
 }
