@@ -4,6 +4,7 @@
 #define VEKJ_H
 
 #include "vekj/jpeg2k_codeblock.h"
+#include "vekj/jpeg2k_transform.h"
 #include "vekj/jpeg_entropy.h"
 #include "vekj/jpeg_samples.h"
 #include "vekj/types.h"
