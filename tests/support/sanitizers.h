@@ -13,9 +13,21 @@
 #define VEK_UNDER_SANITIZER false
 #endif
 
+#if defined(__SANITIZE_THREAD__)
+#define VEK_UNDER_THREAD_SANITIZER true
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define VEK_UNDER_THREAD_SANITIZER true
+#endif
+#endif
+#ifndef VEK_UNDER_THREAD_SANITIZER
+#define VEK_UNDER_THREAD_SANITIZER false
+#endif
+
 namespace support {
 
 constexpr bool underSanitizer = VEK_UNDER_SANITIZER;
+constexpr bool underThreadSanitizer = VEK_UNDER_THREAD_SANITIZER;  // whose shadow is larger than what it watches
 
 }  // namespace support
 
