@@ -49,7 +49,7 @@ private:
         }
         for (; run > 15 && status == vekStsOk; run -= 16) status = writer.code(acTable.codes[zeroRunLength]);
         if (status == vekStsOk)
-            status = writer.value(acEntry(acTable, run, categoryOf(v)), v, categoryOf(v));
+            status = writer.value(acEntry(acTable, static_cast<size_t>((run << 4) + categoryOf(v))), v, categoryOf(v));
         run = 0;
     }
     if (status == vekStsOk && run > 0)
@@ -61,8 +61,7 @@ bool encodeFast(const int16_t* pSrc, const Destination& dst, int diff, const Vek
                 const VekEncodeHuffmanSpec& acTable, VekEncodeHuffmanState* pState)
 {
     FastBitWriter writer(dst.p + *dst.position, dst.p + dst.length, *pState);
-    putBlock(writer, pSrc, diff, dcTable, acTable);
-    if (writer.full() || writer.missesCode())
+    if (!putBlock<MissingCode::Stops>(writer, pSrc, diff, dcTable, acTable) || writer.full())
         return false;
     *dst.position = static_cast<int>(writer.position() - dst.p);
     writer.keep(pState);

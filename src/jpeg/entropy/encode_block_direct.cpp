@@ -36,7 +36,7 @@ VekStatus vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t
     // By way of a buffer: the caller owes no room behind the stream's last byte.
     std::array<uint8_t, longestBlock> bytes;
     FastBitWriter writer(bytes.data(), bytes.data() + bytes.size(), pending, numPending);
-    putBlock(writer, pSrc, diff, *pDcTable, *pAcTable);
+    putBlock<MissingCode::AddsNothing>(writer, pSrc, diff, *pDcTable, *pAcTable);
     *writer.position() = static_cast<uint8_t>(writer.pending() << (8 - writer.numPending()));
     const auto length = static_cast<size_t>(writer.position() - bytes.data());
     std::memcpy(begin, bytes.data(), length + 1);

@@ -1,5 +1,5 @@
 // The bit writer of the sequential coders' fast ways into a segment: a 64-bit accumulator, right-aligned, that goes out
-// when the next code does not fit.
+// when the next code fills it.
 #ifndef VEK_JPEG_ENTROPY_FAST_BIT_WRITER_H
 #define VEK_JPEG_ENTROPY_FAST_BIT_WRITER_H
 
@@ -9,13 +9,12 @@
 
 namespace q3 {
 
-// Writes from `begin` on, and nothing at or behind `end`. It does not stop at a full destination or at a missing code:
-// these are told by full() and missesCode() in the end, and then only bytes behind the beginning have changed. A symbol
-// without a code adds no bits.
+// Writes from `begin` on, and nothing at or behind `end`. It does not stop at a full destination: this is told by full()
+// in the end, and then only bytes behind the beginning have changed.
 class FastBitWriter {
 public:
     FastBitWriter(uint8_t* begin, uint8_t* end, uint32_t pending, int numPending)
-        : p_(begin), end_(end), bits_(pending), count_(static_cast<uint32_t>(numPending))
+        : p_(begin), end_(end), bits_(pending), free_(64 - numPending)
     {
     }
     // Goes on with the bits that a state holds.
@@ -25,27 +24,37 @@ public:
     {
     }
 
-    // A code and the magnitude bits behind it: at most 32 bits.
+    // A code, of a table's entry, and the magnitude bits behind it: at most 32 bits. An entry of 0 adds no bits of its
+    // own.
     [[gnu::always_inline]] void put(uint32_t entry, Magnitude magnitude)
     {
-        borrows_ |= entry - 1;
-        const uint32_t length = (entry >> 16) + magnitude.category;
-        if (count_ + length > 64) [[unlikely]]
-            storeWholeBytes();
-        bits_ = bits_ << length | uint64_t{entry & 0xFFFF} << magnitude.category | magnitude.bits;
-        count_ += length;
+        put(entry & 0xFFFF, entry >> 16, magnitude);
+    }
+    [[gnu::always_inline]] void put(uint32_t code, uint32_t codeLength, Magnitude magnitude)
+    {
+        const uint64_t value = uint64_t{code} << magnitude.category | magnitude.bits;
+        const uint32_t length = codeLength + magnitude.category;
+        free_ -= static_cast<int>(length);
+        if (free_ < 0) [[unlikely]] {
+            store(bits_ << (length + static_cast<uint32_t>(free_)) | value >> -free_, 8);
+            free_ += 64;
+            bits_ = value;  // the bits above the pending ones count for nothing
+        } else {
+            bits_ = bits_ << length | value;
+        }
     }
 
     // Leaves at most 7 bits.
     [[gnu::always_inline]] void settle()
     {
-        if (count_ >= 8)
-            storeWholeBytes();
+        const uint32_t count = 64 - static_cast<uint32_t>(free_);
+        store(bits_ << (static_cast<uint32_t>(free_) & 63), count / 8);
+        free_ = 64 - static_cast<int>(count & 7);
     }
 
     // What is left once it has settled.
-    uint32_t pending() const { return static_cast<uint32_t>(bits_) & ((1U << count_) - 1); }
-    int numPending() const { return static_cast<int>(count_); }
+    uint32_t pending() const { return static_cast<uint32_t>(bits_) & ((1U << numPending()) - 1); }
+    int numPending() const { return 64 - free_; }
     void keep(VekEncodeHuffmanState* pState) const
     {
         pState->bitBuffer = pending() << (24 - numPending());
@@ -54,26 +63,23 @@ public:
 
     uint8_t* position() const { return p_; }
     bool full() const { return full_; }
-    bool missesCode() const { return (borrows_ >> 31) != 0; }
 
 private:
-    // At least one.
-    [[gnu::always_inline]] void storeWholeBytes()
+    // The first bytes of `aligned`.
+    [[gnu::always_inline]] void store(uint64_t aligned, uint32_t bytes)
     {
-        const uint64_t aligned = bits_ << (64 - count_);
         const bool plain = !hasByteFF(aligned);
         if (end_ - p_ < (plain ? 8 : 16)) [[unlikely]] {  // eight bytes, each of which may want a stuffed one
             full_ = true;
         } else if (plain) [[likely]] {
             storeBigEndian64(p_, aligned);
-            p_ += count_ / 8;
+            p_ += bytes;
         } else {
-            p_ = storeStuffed(p_, aligned, count_ / 8);
+            p_ = storeStuffed(p_, aligned, bytes);
         }
-        count_ &= 7;
     }
 
-    // The first bytes of `aligned`, with a zero byte behind each 0xFF. Returns where they end.
+    // Puts a zero byte behind each 0xFF. Returns where the bytes end.
     [[gnu::noinline]] static uint8_t* storeStuffed(uint8_t* p, uint64_t aligned, uint32_t bytes)
     {
         for (; bytes > 0; --bytes, aligned <<= 8) {
@@ -88,9 +94,8 @@ private:
     uint8_t* p_;
     uint8_t* end_;
     uint64_t bits_;
-    uint32_t count_;
+    int free_;  // bits_ has room for so many more
     bool full_ = false;
-    uint32_t borrows_ = 0;  // bit 31 is set by an entry of 0
 };
 
 }  // namespace q3

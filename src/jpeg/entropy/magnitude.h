@@ -28,25 +28,29 @@ inline Magnitude magnitudeOf(int v)
     return {category, magnitudeBits(v) & ((1U << category) - 1)};
 }
 
-// Those of the values of 8-bit pictures, from a table: bits << 4 | category, by v + largestSmall.
+// Those of the values of 8-bit pictures, from a table by v + largestSmall.
 constexpr int largestSmall = 1023;
-constexpr std::array<uint16_t, 2 * largestSmall + 1> smallMagnitudes = [] {
-    std::array<uint16_t, 2 * largestSmall + 1> t{};
+struct SmallMagnitude {
+    uint16_t category, bits;
+};
+constexpr std::array<SmallMagnitude, 2 * largestSmall + 1> smallMagnitudes = [] {
+    std::array<SmallMagnitude, 2 * largestSmall + 1> t{};
     for (int v = -largestSmall; v <= largestSmall; ++v) {
         const int category = std::bit_width(static_cast<unsigned>(v < 0 ? -v : v));
         const int bits = (v < 0 ? v - 1 : v) & ((1 << category) - 1);
-        t[static_cast<size_t>(v + largestSmall)] = static_cast<uint16_t>(bits << 4 | category);
+        t[static_cast<size_t>(v + largestSmall)] = {static_cast<uint16_t>(category), static_cast<uint16_t>(bits)};
     }
     return t;
 }();
-static_assert(smallMagnitudes[largestSmall - 1] == 0x01 && smallMagnitudes[largestSmall + 1] == 0x11 &&
-              smallMagnitudes[0] == 0x0A && smallMagnitudes[2 * largestSmall] == 0x3FFA);
+static_assert(smallMagnitudes[largestSmall - 1].category == 1 && smallMagnitudes[largestSmall - 1].bits == 0 &&
+              smallMagnitudes[largestSmall + 1].category == 1 && smallMagnitudes[largestSmall + 1].bits == 1 &&
+              smallMagnitudes[0].category == 10 && smallMagnitudes[0].bits == 0 &&
+              smallMagnitudes[2 * largestSmall].category == 10 && smallMagnitudes[2 * largestSmall].bits == 0x3FF);
 
-inline bool isSmall(int v) { return static_cast<uint32_t>(v + largestSmall) <= 2U * largestSmall; }
-inline Magnitude smallMagnitudeOf(int v)
+inline Magnitude smallMagnitudeOf(int64_t v)
 {
-    const uint32_t entry = smallMagnitudes[static_cast<size_t>(v + largestSmall)];
-    return {entry & 15, entry >> 4};
+    const SmallMagnitude& entry = smallMagnitudes[static_cast<size_t>(v + largestSmall)];
+    return {entry.category, entry.bits};
 }
 
 }  // namespace q3
