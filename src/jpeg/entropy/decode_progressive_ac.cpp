@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "frame/checks.h"
 #include "frame/implementations.h"
 #include "frame/vec.h"
@@ -134,7 +136,8 @@ VekStatus decodeAc(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16
     VEK_CHECK(band.valid(), vekStsBadArgument);
     VEK_CHECK_POINTER(pAcTable);
     VEK_CHECK_POINTER(pDecHuffState);
-    AcBits bits = {pSrc, srcLenBytes, *pSrcCurrPos, *pMarker, pDecHuffState->numBits, pDecHuffState->bitBuffer};
+    const int count = std::clamp(pDecHuffState->numBits, 0, 64);  // even if the state was never initialised
+    AcBits bits = {pSrc, srcLenBytes, *pSrcCurrPos, *pMarker, count, pDecHuffState->bitBuffer};
     int eobRun = pDecHuffState->eobRun;
     const VekStatus status = decode(bits, pDst, band, *pAcTable, eobRun);
     *pSrcCurrPos = bits.position;

@@ -18,7 +18,7 @@ using progressive::TwoBandReaders;
 using progressive::TwoDcReaders;
 
 constexpr Pass bothPasses[] = {Pass::First, Pass::Refine};
-constexpr int sparse = support::underSanitizer ? 4 : 1;
+constexpr int sparse = support::underSanitizer ? 8 : 1;
 
 int16_t& at(Block& block, int k) { return block[static_cast<size_t>(model::zigzag[static_cast<size_t>(k)])]; }
 
@@ -453,6 +453,26 @@ TEST(ProgressiveDecoder, CorrectionsBeforeAFailureStay)
     EXPECT_EQ(vekStsJpegOutOfBuffer, readers.decode(Pass::Refine, block, {1, 63, 0}));
     EXPECT_EQ(1, readers.state().eobRun);
     EXPECT_EQ(7, std::count(block.begin(), block.end(), 3));
+}
+
+TEST(ProgressiveDecoder, AStateThatWasNeverInitialisedDoesNoHarm)
+{
+    Random random(11);
+    for (int round = 0; round < 2000 / sparse; ++round) {
+        const Tables tables(huffman::luminanceDc(), round % 2 == 0 ? huffman::luminanceAc() : model::HuffmanLists{});
+        support::GuardedArray<uint8_t> bytes(random.in<size_t>(1, 30));
+        random.fill(bytes);
+        const int length = static_cast<int>(bytes.size());
+        VekDecodeHuffmanState state{random.bits(), random.extreme<int32_t>(), random.extreme<int32_t>(), 0};
+        int position = 0;
+        int marker = 0;
+        int16_t* const block = progressive::guarded(progressive::randomBlock(random, 50, 4, 0), round & 31);
+        const auto function = random.chance(50) ? vekiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1
+                                                : vekiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1;
+        function(bytes.data(), length, &position, block, &marker, 1, 63, 0, &tables.decodeAc, &state);
+        ASSERT_LE(0, position);
+        ASSERT_GE(length, position);
+    }
 }
 
 TEST(ProgressiveDecoder, AcScansCheckTheirArgumentsInOrder)
