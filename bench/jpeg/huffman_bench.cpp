@@ -1,69 +1,25 @@
 // The sequential Huffman coder on a drawn picture's quantised blocks: its encoder beside the packaged JPEG library's
 // kernel, its decoder beside that library's reading of the same file's coefficients. And what makes its tables.
 #include <benchmark/benchmark.h>
-#include <stdio.h>  // jpeglib.h wants FILE
-
-#include <jpeglib.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstdlib>
-#include <random>
 #include <span>
 #include <tuple>
 #include <vector>
 
+#include "jpeg/drawn_file.h"
 #include "peers/turbo_kernels.h"
 #include "support/plane.h"
 #include "vekj.h"
 
 namespace {
 
+using drawn::blockCount;
+using drawn::blockRows;
+using drawn::blocksPerRow;
+using drawn::greyFile;
 using support::AlignedArray;
-
-constexpr int blocksPerRow = 64;
-constexpr int blockRows = 64;
-constexpr int blockCount = blocksPerRow * blockRows;
-constexpr int pictureWidth = 8 * blocksPerRow;
-constexpr int pictureHeight = 8 * blockRows;
-
-// A grey picture with smooth shades, edges and some noise, as a JPEG file of the packaged library.
-std::vector<uint8_t> greyFile(int quality)
-{
-    std::vector<uint8_t> pixels(static_cast<size_t>(pictureWidth) * pictureHeight);
-    std::mt19937 engine(1);
-    for (int y = 0; y < pictureHeight; ++y)
-        for (int x = 0; x < pictureWidth; ++x) {
-            const double shade =
-                110 + 60 * std::sin(x / 37.0) * std::cos(y / 23.0) + ((x / 48 + y / 40) % 3 == 0 ? 40 : 0);
-            pixels[static_cast<size_t>(y * pictureWidth + x)] =
-                static_cast<uint8_t>(shade + static_cast<int>(engine() % 13));
-        }
-    jpeg_compress_struct c;
-    jpeg_error_mgr errors;
-    c.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&c);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&c, &bytes, &size);
-    c.image_width = pictureWidth;
-    c.image_height = pictureHeight;
-    c.input_components = 1;
-    c.in_color_space = JCS_GRAYSCALE;
-    jpeg_set_defaults(&c);
-    jpeg_set_quality(&c, quality, TRUE);
-    jpeg_start_compress(&c, TRUE);
-    while (c.next_scanline < c.image_height) {
-        JSAMPROW row = pixels.data() + static_cast<size_t>(c.next_scanline) * pictureWidth;
-        jpeg_write_scanlines(&c, &row, 1);
-    }
-    jpeg_finish_compress(&c);
-    std::vector<uint8_t> file(bytes, bytes + size);
-    jpeg_destroy_compress(&c);
-    free(bytes);
-    return file;
-}
 
 // The lists of a file's table for luminance, DC or AC: of each length the number of codes, and the symbols.
 struct Lists {
