@@ -13,6 +13,7 @@ int main(int argc, char** argv)
     app.require_subcommand(1);
     vekpix::addEncodeCommand(app);
     vekpix::addDecodeCommand(app);
+    vekpix::addTranscodeCommand(app);
     vekpix::addInfoCommand(app);
     vekpix::addCompareCommand(app);
     try {

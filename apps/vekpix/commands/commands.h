@@ -8,6 +8,7 @@ namespace vekpix {
 
 void addEncodeCommand(CLI::App& app);
 void addDecodeCommand(CLI::App& app);
+void addTranscodeCommand(CLI::App& app);
 void addInfoCommand(CLI::App& app);
 void addCompareCommand(CLI::App& app);
 

@@ -3,6 +3,7 @@
 
 #include "commands/commands.h"
 #include "commands/progress.h"
+#include "commands/scan_script_file.h"
 #include "error.h"
 #include "image/formats.h"
 #include "io/output_file.h"
@@ -16,6 +17,7 @@ namespace {
 struct EncodeArguments {
     std::string input;
     std::string output;
+    std::string scans;
     std::string sampling = "420";
     std::string downsampling = "blocks";
     jpeg::EncodeOptions options;
@@ -33,6 +35,7 @@ void runEncode(EncodeArguments arguments)
     if (formatOf(arguments.output) != ImageFormat::Jpeg)
         throw Error(arguments.output + ": the coded picture must be named .jpg or .jpeg");
     const std::unique_ptr<RowReader> picture = openPicture(arguments.input);
+    arguments.options.scans = readScanScript(arguments.scans);
     OutputFile file(arguments.output);
     Progress progress(int64_t{picture->height()} * jpeg::encodePasses(arguments.options));
     if (arguments.options.threads == 0)
@@ -71,6 +74,8 @@ void addEncodeCommand(CLI::App& app)
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     command->add_flag("--optimize", options.optimizeTables, "makes Huffman tables for this picture: a smaller file");
+    command->add_flag("--progressive", options.progressive, "codes in many scans, from coarse to fine");
+    command->add_option("--scans", arguments->scans, "text file that tells the scans to write");
     command->add_flag("--gray,--grey", options.grey, "codes the luminance only");
     command->add_flag("!--no-transform", options.colourTransform,
                       "codes RGB or CMYK as they are, not as YCbCr or YCCK; takes no --sampling");

@@ -67,10 +67,9 @@ void describeQuantTable(int slot, const QuantSteps& steps, std::ostream& out)
         out << (i % 8 == 0 ? "   " : "") << std::right << std::setw(4) << rows[i] << (i % 8 == 7 ? "\n" : "");
 }
 
-// The tables of a scan, each once although several components use it.
-void describeTables(const Scan& scan, const Frame& frame, std::ostream& out)
+// The tables of a scan, each once although several components or scans use it: `told` has those of the scans before.
+void describeTables(const Scan& scan, const Frame& frame, std::set<const void*>& told, std::ostream& out)
 {
-    std::set<const void*> told;
     for (const ScanComponent& component : scan.components) {
         const FrameComponent& inFrame = frame.components[static_cast<size_t>(component.index)];
         if (told.insert(component.quantSteps.get()).second)
@@ -92,7 +91,8 @@ void describeProgression(const Scan& scan, std::ostream& out)
     out << " down to " << scan.low << '\n';
 }
 
-void describeScan(const Scan& scan, const Frame& frame, size_t bytes, size_t restarts, std::ostream& out)
+void describeScan(const Scan& scan, const Frame& frame, size_t bytes, size_t restarts, std::set<const void*>& told,
+                  std::ostream& out)
 {
     out << "scan: components";
     for (const ScanComponent& component : scan.components)
@@ -113,7 +113,7 @@ void describeScan(const Scan& scan, const Frame& frame, size_t bytes, size_t res
             out << separator << "AC table " << component.acTableSlot;
         out << '\n';
     }
-    describeTables(scan, frame, out);
+    describeTables(scan, frame, told, out);
 }
 
 }  // namespace
@@ -137,7 +137,9 @@ void describe(std::span<const uint8_t> file, std::ostream& out)
     else if (markers.position() < file.size())
         out << "  " << file.size() - markers.position() << " bytes behind the end marker\n";
     describeFrame(markers, out);
-    for (const ScanFound& found : scans) describeScan(found.scan, markers.frame(), found.bytes, found.restarts, out);
+    std::set<const void*> told;
+    for (const ScanFound& found : scans)
+        describeScan(found.scan, markers.frame(), found.bytes, found.restarts, told, out);
 }
 
 }  // namespace vekpix::jpeg

@@ -12,6 +12,7 @@
 #include "jpeg/mcu_transform.h"
 #include "jpeg/scan_passes.h"
 #include "jpeg/standard_tables.h"
+#include "jpeg/store_writer.h"
 
 namespace vekpix::jpeg {
 
@@ -65,6 +66,25 @@ private:
     std::optional<MemoryRows> memory_;
 };
 
+void encodeScans(RowReader& picture, ByteSink& file, const McuTransform& transform,
+                 const std::array<QuantizerSteps, 2>& steps, const EncodeOptions& options)
+{
+    const McuLayout& layout = transform.layout();
+    Frame frame = frameOf(layout);
+    const ScanScript script = options.scans.empty() ? progressiveScript(frame, layout.colours) : options.scans;
+    frame.progressive = checkScanScript(script, frame);
+    if (options.progressive && !frame.progressive)
+        throw Error("the scan script is one of a sequential file");
+    CoefficientStore store(frame);
+    storeCoefficients(picture, transform, options, store);
+    simplifyPadding(store);
+    writeBeginning(file, layout, steps);
+    PassReport report(options.onRows, layout.picture.height, script.size());
+    writeScans({frame, layout.colours, store}, script,
+               {options.restartInterval, options.optimizeTables, options.threads, [&] { report.advance(); }}, file);
+    writeEnd(file);
+}
+
 }  // namespace
 
 void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options)
@@ -75,6 +95,10 @@ void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options)
     const std::array<QuantizerSteps, 2> steps = {scaled(standardLuminanceSteps, options.quality),
                                                  scaled(standardChrominanceSteps, options.quality)};
     const McuTransform transform(layout, steps[0], steps[1]);
+    if (storesCoefficients(options)) {
+        encodeScans(picture, file, transform, steps, options);
+        return;
+    }
 
     ScanTables lists = {{standardLuminanceDc, standardChrominanceDc}, {standardLuminanceAc, standardChrominanceAc}};
     RowReader* rows = &picture;

@@ -1,4 +1,4 @@
-// A picture becomes a sequential JPEG file (ITU T.81, Annex F.1), in bands from top to bottom. Grey and YCbCr files are
+// A picture becomes a JPEG file (ITU T.81, Annexes F.1 and G.1), in bands from top to bottom. Grey and YCbCr files are
 // JFIF files; those of other colours tell them by Adobe's marker, and have inks inverted, as is usual.
 #ifndef VEKPIX_JPEG_ENCODER_H
 #define VEKPIX_JPEG_ENCODER_H
@@ -7,6 +7,7 @@
 
 #include "image/rows.h"
 #include "io/byte_sink.h"
+#include "jpeg/scan_script.h"
 
 namespace vekpix::jpeg {
 
@@ -24,16 +25,25 @@ struct EncodeOptions {
     ChromaDownsampling downsampling = ChromaDownsampling::Blocks;
     int restartInterval = 0;               // MCUs between restart markers; 0: none
     bool optimizeTables = false;           // Huffman tables made for the picture, by a second pass over it
+    bool progressive = false;              // in scans of its own choice if there are none in `scans`
+    ScanScript scans;                      // the scans to write, sequential or progressive
     bool grey = false;                     // of a colour picture, code the luminance only
     bool colourTransform = true;           // YCbCr and YCCK; else RGB and CMYK, in which no component is subsampled
     int threads = 1;                       // threads that may work on the picture; the file does not depend on it
     std::function<void(int rows)> onRows;  // hears of rows done, encodePasses() times the height in all
 };
 
-inline int encodePasses(const EncodeOptions& options) { return options.optimizeTables ? 2 : 1; }
+// Whether all coefficients are made before the first scan is written.
+inline bool storesCoefficients(const EncodeOptions& options) { return options.progressive || !options.scans.empty(); }
+
+inline int encodePasses(const EncodeOptions& options)
+{
+    return options.optimizeTables || storesCoefficients(options) ? 2 : 1;
+}
 
 // An Error if the options or the picture's size do not suit the format. Memory: a few bands; with optimizeTables, the
-// whole picture too if it comes from a source that cannot be rewound.
+// whole picture too if it comes from a source that cannot be rewound; with more scans than one, all coefficients and
+// the coded scans.
 void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options);
 
 }  // namespace vekpix::jpeg

@@ -20,29 +20,34 @@ constexpr int64_t maxCountSum = 500'000'000;
 
 }  // namespace
 
-EncoderTables::EncoderTables(const ScanTables& lists)
-    : dc_{build(lists.dc[0]), build(lists.dc[1])}, ac_{build(lists.ac[0]), build(lists.ac[1])}
-{
-}
-
-EncoderTables::Table EncoderTables::build(const CodeLists& lists)
+EncoderTable makeEncoderTable(const CodeLists& lists)
 {
     VekEncodeHuffmanSpec* table = nullptr;
     const VekStatus status =
         vekiEncodeHuffmanSpecInitAlloc_JPEG_8u(lists.lengthCounts.data(), lists.symbols.data(), &table);
     if (table == nullptr)
         throw std::bad_alloc();
-    Table owner(table);
+    EncoderTable owner(table);
     expectOk(status, "Huffman table");
     return owner;
 }
 
-EntropyWriter::EntropyWriter(const ScanLayout& layout, const EncoderTables& tables) : layout_(layout), tables_(&tables)
+EncoderTables::EncoderTables(const ScanTables& lists)
+    : dc_{makeEncoderTable(lists.dc[0]), makeEncoderTable(lists.dc[1])},
+      ac_{makeEncoderTable(lists.ac[0]), makeEncoderTable(lists.ac[1])}
+{
+}
+
+EncoderState makeEncoderState()
 {
     VekEncodeHuffmanState* state = nullptr;
     if (vekiEncodeHuffmanStateInitAlloc_JPEG_8u(&state) != vekStsOk)
         throw std::bad_alloc();
-    state_.reset(state);
+    return EncoderState(state);
+}
+
+EntropyWriter::EntropyWriter(const ScanLayout& layout, const EncoderTables& tables) : layout_(layout), tables_(&tables)
+{
     bytes_.resize(16 * maxMcuBytes);
 }
 

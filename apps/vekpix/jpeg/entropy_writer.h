@@ -20,6 +20,13 @@ struct ScanTables {
     std::array<CodeLists, 2> ac;
 };
 
+struct EncoderTableDeleter {
+    void operator()(VekEncodeHuffmanSpec* table) const { vekiEncodeHuffmanSpecFree_JPEG_8u(table); }
+};
+using EncoderTable = std::unique_ptr<VekEncodeHuffmanSpec, EncoderTableDeleter>;
+
+EncoderTable makeEncoderTable(const CodeLists& lists);
+
 class EncoderTables {
 public:
     explicit EncoderTables(const ScanTables& lists);
@@ -27,15 +34,16 @@ public:
     const VekEncodeHuffmanSpec* ac(size_t table) const { return ac_[table].get(); }
 
 private:
-    struct Deleter {
-        void operator()(VekEncodeHuffmanSpec* table) const { vekiEncodeHuffmanSpecFree_JPEG_8u(table); }
-    };
-    using Table = std::unique_ptr<VekEncodeHuffmanSpec, Deleter>;
-    static Table build(const CodeLists& lists);
-
-    std::array<Table, 2> dc_;
-    std::array<Table, 2> ac_;
+    std::array<EncoderTable, 2> dc_;
+    std::array<EncoderTable, 2> ac_;
 };
+
+struct EncoderStateDeleter {
+    void operator()(VekEncodeHuffmanState* state) const { vekiEncodeHuffmanStateFree_JPEG_8u(state); }
+};
+using EncoderState = std::unique_ptr<VekEncodeHuffmanState, EncoderStateDeleter>;
+
+EncoderState makeEncoderState();
 
 // What becomes of the MCUs of a scan: bytes or statistics. MCUs come in their order, and a coder may begin with any MCU
 // that begins a restart interval, so that several coders can share a scan.
@@ -63,15 +71,11 @@ public:
     void drain(ByteSink& sink);
 
 private:
-    struct StateDeleter {
-        void operator()(VekEncodeHuffmanState* state) const { vekiEncodeHuffmanStateFree_JPEG_8u(state); }
-    };
-
     void pad();
 
     ScanLayout layout_;
     const EncoderTables* tables_;
-    std::unique_ptr<VekEncodeHuffmanState, StateDeleter> state_;
+    EncoderState state_ = makeEncoderState();
     std::array<int16_t, 4> lastDc_{};
     std::vector<uint8_t> bytes_;
     int length_ = 0;  // of what is used of bytes_

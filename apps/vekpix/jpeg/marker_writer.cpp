@@ -68,52 +68,85 @@ void writeAdobe(ByteSink& sink, bool transformed)
         .writeTo(sink);
 }
 
-void writeHuffmanTable(ByteSink& sink, int classAndSlot, const CodeLists& lists)
+}  // namespace
+
+void writeStart(ByteSink& sink) { writeMarker(sink, SOI); }
+
+void writeQuantTable(ByteSink& sink, int slot, const QuantizerSteps& steps)
+{
+    SegmentBytes(DQT).byte(slot).bytes(steps).writeTo(sink);
+}
+
+void writeFrame(ByteSink& sink, const Frame& frame)
+{
+    SegmentBytes segment(frame.progressive ? SOF2 : frame.baseline ? SOF0 : SOF1);
+    segment.byte(8).word(frame.height).word(frame.width).byte(static_cast<int>(frame.components.size()));
+    for (const FrameComponent& c : frame.components)
+        segment.byte(c.id).byte(c.horizontalSampling << 4 | c.verticalSampling).byte(c.quantTable);
+    segment.writeTo(sink);
+}
+
+void writeHuffmanTable(ByteSink& sink, int tableClass, int slot, const CodeLists& lists)
 {
     SegmentBytes(DHT)
-        .byte(classAndSlot)
+        .byte(tableClass << 4 | slot)
         .bytes(lists.lengthCounts)
         .bytes(std::span(lists.symbols).first(static_cast<size_t>(lists.symbolCount())))
         .writeTo(sink);
 }
 
-}  // namespace
+void writeRestartInterval(ByteSink& sink, int mcus) { SegmentBytes(DRI).word(mcus).writeTo(sink); }
+
+void writeScanHeader(ByteSink& sink, const ScanHeader& header)
+{
+    SegmentBytes scan(SOS);
+    scan.byte(static_cast<int>(header.components.size()));
+    for (const ScanHeader::Component& c : header.components) scan.byte(c.id).byte(c.dcSlot << 4 | c.acSlot);
+    scan.byte(header.spectralBegin).byte(header.spectralEnd).byte(header.high << 4 | header.low);
+    scan.writeTo(sink);
+}
+
+Frame frameOf(const McuLayout& layout)
+{
+    Frame frame;
+    frame.width = layout.picture.width;
+    frame.height = layout.picture.height;
+    for (int c = 0; c < layout.components(); ++c) {
+        const bool chroma = layout.isChroma(static_cast<size_t>(c));
+        const int id = layout.colours == ColourModel::Rgb ? "RGB"[c] : c + 1;
+        frame.components.push_back(
+            {id, chroma ? 1 : layout.mcuWidth() / 8, chroma ? 1 : layout.mcuHeight() / 8, chroma ? 1 : 0});
+    }
+    return frame;
+}
+
+void writeBeginning(ByteSink& sink, const McuLayout& layout, const std::array<QuantizerSteps, 2>& steps)
+{
+    writeStart(sink);
+    if (layout.colours == ColourModel::Rgb || layout.hasInks())
+        writeAdobe(sink, layout.colours == ColourModel::Ycck);
+    else
+        writeJfif(sink);
+    writeQuantTable(sink, 0, steps[0]);
+    if (layout.isChroma(1))
+        writeQuantTable(sink, 1, steps[1]);
+}
 
 void writeHeaders(ByteSink& sink, const McuLayout& layout, const std::array<QuantizerSteps, 2>& steps,
                   const ScanTables& tables, int restartInterval)
 {
-    const int components = layout.components();
-    const int tableCount = layout.isChroma(1) ? 2 : 1;
-    const bool rgb = layout.colours == ColourModel::Rgb;
-    const auto idOf = [&](int component) { return rgb ? "RGB"[component] : component + 1; };
-    const auto tableOf = [&](int component) { return layout.isChroma(static_cast<size_t>(component)) ? 1 : 0; };
-
-    writeMarker(sink, SOI);
-    if (rgb || layout.hasInks())
-        writeAdobe(sink, layout.colours == ColourModel::Ycck);
-    else
-        writeJfif(sink);
-    for (int t = 0; t < tableCount; ++t) SegmentBytes(DQT).byte(t).bytes(steps[static_cast<size_t>(t)]).writeTo(sink);
-
-    SegmentBytes frame(SOF0);
-    frame.byte(8).word(layout.picture.height).word(layout.picture.width).byte(components);
-    const int luminanceSampling = (layout.mcuWidth() / 8) << 4 | layout.mcuHeight() / 8;
-    for (int c = 0; c < components; ++c)
-        frame.byte(idOf(c)).byte(tableOf(c) == 0 ? luminanceSampling : 0x11).byte(tableOf(c));
-    frame.writeTo(sink);
-
-    for (int t = 0; t < tableCount; ++t) {
-        writeHuffmanTable(sink, t, tables.dc[static_cast<size_t>(t)]);
-        writeHuffmanTable(sink, 0x10 | t, tables.ac[static_cast<size_t>(t)]);
+    const Frame frame = frameOf(layout);
+    writeBeginning(sink, layout, steps);
+    writeFrame(sink, frame);
+    for (int t = 0; t < (layout.isChroma(1) ? 2 : 1); ++t) {
+        writeHuffmanTable(sink, dcTableClass, t, tables.dc[static_cast<size_t>(t)]);
+        writeHuffmanTable(sink, acTableClass, t, tables.ac[static_cast<size_t>(t)]);
     }
     if (restartInterval != 0)
-        SegmentBytes(DRI).word(restartInterval).writeTo(sink);
-
-    SegmentBytes scan(SOS);
-    scan.byte(components);
-    for (int c = 0; c < components; ++c) scan.byte(idOf(c)).byte(tableOf(c) == 0 ? 0x00 : 0x11);
-    scan.byte(0).byte(63).byte(0);  // all coefficients at full precision
-    scan.writeTo(sink);
+        writeRestartInterval(sink, restartInterval);
+    ScanHeader scan;
+    for (const FrameComponent& c : frame.components) scan.components.push_back({c.id, c.quantTable, c.quantTable});
+    writeScanHeader(sink, scan);
 }
 
 void writeEnd(ByteSink& sink) { writeMarker(sink, EOI); }

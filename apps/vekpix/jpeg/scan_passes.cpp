@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <vector>
@@ -229,7 +230,38 @@ void pass(RowReader& picture, const McuTransform& transform, const ScanLayout& s
         PassOfManyThreads(picture, transform, scan, options, makeCoder, target).run();
 }
 
+// Puts the blocks of each MCU where the store has them.
+class StoreFiller {
+public:
+    StoreFiller(CoefficientStore& store) : store_(&store) {}
+
+    void code(const int16_t* blocks, int64_t mcu)
+    {
+        const int row = static_cast<int>(mcu / store_->mcusPerRow());
+        const int column = static_cast<int>(mcu % store_->mcusPerRow());
+        for (const CoefficientStore::Component& c : store_->components())
+            for (int y = 0; y < c.vertical; ++y) {
+                const size_t count = blockSize * static_cast<size_t>(c.horizontal);
+                std::memcpy(c.block(column * c.horizontal, row * c.vertical + y), blocks, count * sizeof(int16_t));
+                blocks += count;
+            }
+    }
+    void drain(CoefficientStore&) {}
+
+private:
+    CoefficientStore* store_;
+};
+
 }  // namespace
+
+void storeCoefficients(RowReader& picture, const McuTransform& transform, const EncodeOptions& options,
+                       CoefficientStore& store)
+{
+    const McuLayout& layout = transform.layout();
+    const ScanLayout whole = {layout, 0, int64_t{layout.mcusPerRow()} * layout.mcuRows()};
+    pass(
+        picture, transform, whole, options, [&] { return StoreFiller(store); }, store);
+}
 
 SymbolStatistics countSymbols(RowReader& picture, const McuTransform& transform, const ScanLayout& scan,
                               const EncodeOptions& options)

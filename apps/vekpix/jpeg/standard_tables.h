@@ -16,6 +16,7 @@ struct CodeLists {
     std::array<uint8_t, 256> symbols{};  // in order of code length
 
     int symbolCount() const;
+    bool operator==(const CodeLists&) const = default;
 };
 
 extern const QuantizerSteps standardLuminanceSteps;    // Table K.1
