@@ -147,8 +147,8 @@ VekStatus decodeAc(int16_t* pDst, const VekDecodeHuffmanSpec& table, DirectReade
     return status;
 }
 
-// False, with nothing changed but the block, if the fast path gives up. It refills when and as far as the careful path
-// does, so that nobody can tell by the bits prefetched which of the two was taken.
+// False, with nothing changed but coefficients that the careful path decodes as well, if the fast path gives up. It
+// refills when and as far as the careful path does, so that nobody can tell by the bits prefetched which was taken.
 bool decodeFast(const uint8_t* pSrc, int* pSrcBitsLen, int16_t* pDst, int16_t* pLastDC, uint32_t* pPrefetchedBits,
                 int* pNumValidPrefetchedBits, const DecodeTables& tables)
 {
@@ -187,7 +187,6 @@ VekStatus vekiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pSrc, int* pS
     if (*pMarker == 0 && *pNumValidPrefetchedBits <= mostBitsBetweenBlocks) {
         if (decodeFast(pSrc, pSrcBitsLen, pDst, pLastDC, pPrefetchedBits, pNumValidPrefetchedBits, tables))
             return vekStsOk;
-        clearBlock(pDst);
     }
     return decodeCarefully(pSrc, pSrcBitsLen, pDst, pLastDC, pMarker, pPrefetchedBits, pNumValidPrefetchedBits, tables);
 }

@@ -133,6 +133,19 @@ TEST(BitReader, ACodeIsSearchedFromOneBitOnWhereFewerThanEightAreInHand)
     EXPECT_EQ(vekStsJpegMarkerShort, marked.symbol(tables.decodeDc, symbol));
 }
 
+// Eight bits in hand begin a longer code, and the refill for the ninth meets the marker.
+TEST(BitReader, AMarkerWithinALongCodeIsNotTakenForZeros)
+{
+    const huffman::Tables tables(huffman::lists({0, 0, 0, 0, 0, 0, 0, 0, 1}, {7}), huffman::luminanceAc());
+    Reader reader({0xFF, 0xD9}, 0, 8);
+    int symbol = -1;
+    EXPECT_EQ(vekStsJpegMarkerShort, reader.symbol(tables.decodeDc, symbol));
+    EXPECT_EQ(0xD9, reader.marker);
+    Reader whole({0x00, 0xFF, 0xD9}, 0, 8);
+    EXPECT_EQ(vekStsOk, whole.symbol(tables.decodeDc, symbol));
+    EXPECT_EQ(7, symbol);
+}
+
 TEST(BitReader, WithoutACodeOf16BitsTheSymbolIsZero)
 {
     const huffman::Tables tables(huffman::lists({1}, {7}), huffman::luminanceAc());

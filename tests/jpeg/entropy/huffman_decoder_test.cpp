@@ -50,6 +50,13 @@ public:
         block_ = want;
         return got;
     }
+    // Bits in hand; those above the `count` newest mean nothing.
+    void hold(uint64_t bits, int count)
+    {
+        expectedState_.buffer = state_.bitBuffer = bits;
+        expectedState_.numBits = state_.numBits = count;
+    }
+    void setMarker(int marker) { in_.marker = marker_ = marker; }
     void restart()
     {
         vekiDecodeHuffmanStateInit_JPEG_8u(&state_);
@@ -127,6 +134,27 @@ TEST(HuffmanDecoder, EqualsItsModelOnStreamsOfEveryLength)
     }
 }
 
+TEST(HuffmanDecoder, EqualsItsModelWithAMarkerAtEveryPlace)
+{
+    Random random(4);
+    const Tables tables(huffman::randomLists(random, 256), huffman::randomLists(random, 256));
+    std::vector<Block> blocks;
+    for (int i = 0; i < 6; ++i) blocks.push_back(huffman::randomBlock(random, 1));
+    const std::vector<uint8_t> bytes = streamOf(blocks, tables);
+    for (size_t at = 0; at < bytes.size(); ++at)
+        for (int fill = 0; fill < 2; ++fill) {
+            std::vector<uint8_t> stream = bytes;
+            const std::array<uint8_t, 3> marker = {0xFF, 0xFF, 0xD3};
+            stream.insert(stream.begin() + static_cast<std::ptrdiff_t>(at), marker.begin() + 1 - fill, marker.end());
+            TwoReaders readers(tables, stream);
+            for (size_t i = 0; i < blocks.size() + 2; ++i) {
+                if (readers.decode() == vekStsJpegMarkerShort && readers.marker() != 0)
+                    readers.restart();
+                ASSERT_FALSE(HasFailure()) << at;
+            }
+        }
+}
+
 TEST(HuffmanDecoder, EqualsItsModelOnDamagedStreamsAndAnyTable)
 {
     Random random(3);
@@ -145,6 +173,10 @@ TEST(HuffmanDecoder, EqualsItsModelOnDamagedStreamsAndAnyTable)
         const int ff = random.in(0, 12);
         for (uint8_t& b : bytes) b = random.chance(ff) ? 0xFF : random.chance(ff) ? 0 : random.any<uint8_t>();
         TwoReaders readers(tables, bytes);
+        if (round % 2 == 0)
+            readers.hold(random.any<uint64_t>(), random.in(0, 32));
+        if (random.chance(5))
+            readers.setMarker(random.in(1, 254));
         for (int i = 0; i < 12; ++i) {
             const VekStatus status = readers.decode(random.in<size_t>(0, 31));
             statuses[status == vekStsOk                ? 0

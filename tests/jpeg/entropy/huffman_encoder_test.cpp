@@ -123,6 +123,69 @@ TEST(HuffmanEncoder, EqualsItsModelInEveryRoom)
     }
 }
 
+TEST(HuffmanEncoder, EqualsItsModelOnRunsOfEveryLengthInLittleAndAmpleRoom)
+{
+    Random random(6);
+    const Tables tables(huffman::randomLists(random, 256), huffman::randomLists(random, 256));
+    for (int run = 0; run <= 62; ++run)
+        for (int first : {1, random.in(1, 63)})
+            for (int room = 1; room <= 30; ++room) {
+                if (first + run > 63)
+                    continue;
+                Block block{};
+                block[static_cast<size_t>(model::zigzag[static_cast<size_t>(first + run)])] = random.in<int16_t>(1, 9);
+                if (first > 1)
+                    block[static_cast<size_t>(model::zigzag[static_cast<size_t>(first) - 1])] = -1;
+                TwoStreams streams(tables, room);
+                streams.encode(block);
+                streams.flush();
+                ASSERT_FALSE(HasFailure()) << run << " from " << first << " in " << room;
+            }
+}
+
+// Nearly every byte is 0xFF.
+TEST(HuffmanEncoder, EqualsItsModelOnBytesThatAreAllStuffedInEveryRoom)
+{
+    // The longest codes are fifteen ones and a zero.
+    const model::HuffmanLists ones = huffman::lists({1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1},
+                                                    {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 0, 15});
+    const Tables tables(ones, ones);
+    Block block;
+    block.fill(32767);
+    for (int room = 1; room <= 520; ++room) {
+        TwoStreams streams(tables, room);
+        streams.encode(block);
+        streams.encode(block);
+        ASSERT_FALSE(HasFailure()) << room;
+    }
+}
+
+// Category 16 borders on the symbols of the next run, and behind the longest run on none.
+TEST(HuffmanEncoder, TheLeastCoefficientTakesTheNextRunsEntryAndBehindFifteenZerosNone)
+{
+    model::HuffmanLists all = huffman::lists({0, 0, 0, 0, 0, 0, 0, 0, 255, 1}, {});
+    for (size_t i = 0; i < 256; ++i) all.vals[i] = static_cast<uint8_t>(i);
+    const Tables tables(all, all);
+    for (const int room : {20, 100})
+        for (int zeros = 0; zeros < 18; ++zeros) {
+            Block block{};
+            block[static_cast<size_t>(model::zigzag[static_cast<size_t>(zeros) + 1])] = -32768;
+            TwoStreams streams(tables, room);
+            EXPECT_EQ(zeros == 15 ? VekStatus{vekStsJpegHuffmanTable} : VekStatus{vekStsOk}, streams.encode(block));
+            ASSERT_FALSE(HasFailure()) << zeros << " in " << room;
+        }
+    // The form that tests no codes writes the magnitude alone: nine bits for no difference, 0111111111111111, nine bits
+    // for the end of the block.
+    Block block{};
+    block[static_cast<size_t>(model::zigzag[16])] = -32768;
+    uint8_t dst[8] = {};
+    int bits = 0;
+    int16_t dc = 0;
+    vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(block.data(), dst, &bits, &dc, &tables.encodeDc, &tables.encodeAc);
+    EXPECT_EQ(8 + 9 + 16 + 9, bits);  // and a stuffed zero
+    EXPECT_EQ(0, std::memcmp("\x00\x3F\xFF\x00\x80\x00", dst, 6));
+}
+
 TEST(HuffmanEncoder, EqualsItsModelWithCodesMissing)
 {
     Random random(3);

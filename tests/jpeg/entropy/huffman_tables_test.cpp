@@ -264,11 +264,18 @@ TEST(OptimalTable, CountersOfEqualLengthsWrapAt256)
 
 TEST(OptimalTable, CountsAboveABillionGetNoCode)
 {
-    std::array<int, 256> counts{};
-    counts[1] = 1000000000;
-    counts[2] = 1000000001;
-    counts[3] = 7;
-    expectOptimal(counts);
+    for (const int large : {999999999, 1000000000, 1000000001}) {
+        std::array<int, 256> counts{};
+        counts[1] = large;
+        counts[3] = 7;
+        expectOptimal(counts);
+        std::array<uint8_t, 16> bits{};
+        std::array<uint8_t, 256> vals{};
+        EXPECT_EQ(vekStsOk, vekiEncodeHuffmanRawTableInit_JPEG_8u(counts.data(), bits.data(), vals.data()));
+        EXPECT_EQ(1, bits[0]);
+        EXPECT_EQ(large > 1000000000 ? 0 : 1, bits[1]);
+        EXPECT_EQ(large > 1000000000 ? 3 : 1, vals[0]);
+    }
 }
 
 TEST(OptimalTable, RefusesNullPointers)
