@@ -7,6 +7,8 @@
 #include "vekj/jpeg2k_transform.h"
 #include "vekj/jpeg_entropy.h"
 #include "vekj/jpeg_samples.h"
+#include "vekj/texture.h"
+#include "vekj/tiff.h"
 #include "vekj/types.h"
 #include "vekj/version.h"
 
