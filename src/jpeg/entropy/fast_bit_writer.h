@@ -24,11 +24,11 @@ public:
     {
     }
 
-    // A code, of a table's entry, and the magnitude bits behind it: at most 32 bits. An entry of 0 adds no bits of its
-    // own.
+    // A code, of a table's entry, and the magnitude bits behind it: at most 32 bits. Of the code only its length's
+    // lowest bits count, so an entry of 0 adds none.
     [[gnu::always_inline]] void put(uint32_t entry, Magnitude magnitude)
     {
-        put(entry & 0xFFFF, entry >> 16, magnitude);
+        put(_bzhi_u32(entry, entry >> 16), entry >> 16, magnitude);
     }
     [[gnu::always_inline]] void put(uint32_t code, uint32_t codeLength, Magnitude magnitude)
     {

@@ -51,10 +51,24 @@ Row randomRow(size_t width, Random& random)
     return row;
 }
 
-// A row right before an unmapped page
-struct Guarded : GuardedArray<int16_t> {
-    explicit Guarded(const Row& row) : GuardedArray<int16_t>(row.size()) { std::copy(row.begin(), row.end(), begin()); }
-    Row values() { return Row(begin(), end()); }
+// A row right before an unmapped page, or `offset` samples before it, with samples between that stay untouched
+class Guarded {
+public:
+    explicit Guarded(const Row& row, size_t offset = 0) : memory_(row.size() + offset), size_(row.size())
+    {
+        std::fill(memory_.begin(), memory_.end(), int16_t{99});
+        std::copy(row.begin(), row.end(), memory_.begin());
+    }
+    int16_t* data() { return memory_.data(); }
+    Row values()
+    {
+        EXPECT_TRUE(std::all_of(data() + size_, memory_.end(), [](int16_t v) { return v == 99; }));
+        return {data(), data() + size_};
+    }
+
+private:
+    GuardedArray<int16_t> memory_;
+    size_t size_;
 };
 
 TEST(LosslessRow, DifferencesAndTheirInverseEqualTheirDefinition)
@@ -66,12 +80,12 @@ TEST(LosslessRow, DifferencesAndTheirInverseEqualTheirDefinition)
                 const Row row = randomRow(static_cast<size_t>(width), random);
                 const Row above = randomRow(static_cast<size_t>(width), random);
                 const Row want = differences(row, above, predictor);
-                Guarded src(row);
+                Guarded src(row, random.in<size_t>(0, 16));
                 Guarded prev(above);
-                Guarded dst(Row(row.size(), 77));
+                Guarded dst(Row(row.size(), 77), random.in<size_t>(0, 16));
                 ASSERT_EQ(vekStsOk, vekiDiffPredRow_JPEG_16s_C1(src.data(), prev.data(), dst.data(), width, predictor));
                 ASSERT_EQ(want, dst.values()) << predictor << ", " << width;
-                Guarded back(Row(row.size(), 77));
+                Guarded back(Row(row.size(), 77), random.in<size_t>(0, 16));
                 ASSERT_EQ(vekStsOk,
                           vekiReconstructPredRow_JPEG_16s_C1(dst.data(), prev.data(), back.data(), width, predictor));
                 ASSERT_EQ(row, back.values()) << predictor << ", " << width;
@@ -94,7 +108,7 @@ TEST(LosslessFirstRow, DifferencesAndTheirInverseEqualTheirDefinition)
                 Row want(row.size());
                 for (size_t i = 0; i < row.size(); ++i) want[i] = wrapped(row[i] - (i == 0 ? reference : row[i - 1]));
                 Guarded src(row);
-                Guarded dst(Row(row.size(), 77));
+                Guarded dst(Row(row.size(), 77), random.in<size_t>(0, 16));
                 ASSERT_EQ(vekStsOk,
                           vekiDiffPredFirstRow_JPEG_16s_C1(src.data(), dst.data(), width, precision, transform));
                 ASSERT_EQ(want, dst.values());
