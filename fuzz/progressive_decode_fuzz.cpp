@@ -1,5 +1,5 @@
-// The four decoders of progressive scans over any table, stream, state and blocks. Each equals its model, block by block;
-// none leaves its memory or its block, whatever its state holds.
+// The four decoders of progressive scans over any table, stream, state and blocks. Each equals its model, block by
+// block; none leaves its memory or its block, whatever its state holds.
 #include <array>
 #include <cstring>
 #include <vector>

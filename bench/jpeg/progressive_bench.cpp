@@ -1,5 +1,6 @@
-// The progressive Huffman coder on a drawn picture's quantised blocks. By itself each function has no peer; whole scripts
-// are beside the packaged JPEG library's reading and writing of the same picture's coefficients in the same scans.
+// The progressive Huffman coder on a drawn picture's quantised blocks. By itself each function has no peer; whole
+// scripts are beside the packaged JPEG library's reading and writing of the same picture's coefficients in the same
+// scans.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -7,9 +7,9 @@
 
 /** @name Multiple-component transforms
  *  ISO/IEC 15444-1, Annex G: between interleaved R, G, B pixels (`C3`) and three planes (`P3`), or in place over
- *  planes. The planes of the reversible transform (RCT) hold Y, B - G and R - G, in this order, those of the irreversible one
- *  (ICT) Y, Cb, Cr. Nothing needs alignment, and one step serves all three planes. Where planes share bytes with one
- *  another or with the pixels, the result is that of row after row, pixel after pixel.
+ *  planes. The planes of the reversible transform (RCT) hold Y, B - G and R - G, in this order, those of the
+ *  irreversible one (ICT) Y, Cb, Cr. Nothing needs alignment, and one step serves all three planes. Where planes share
+ *  bytes with one another or with the pixels, the result is that of row after row, pixel after pixel.
  *
  *  @param pSrc, pDst, pSrcDst           first pixel, or the first sample of each plane
  *  @param srcStep, dstStep, srcDstStep  bytes from one row to the next

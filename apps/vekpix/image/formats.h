@@ -23,8 +23,8 @@ ImageFormat formatOf(const std::string& path);
 // The rows of a PNG, PPM, PGM or PAM file; palettes become colours, transparency shows white.
 std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth = SampleDepth::Eight);
 
-// Writes a PNG, PPM, PGM or PAM picture to `sink`, which must outlive the writer. A PPM picture of one channel has equal
-// colours; a PGM picture must have one channel, and four fit into PAM only.
+// Writes a PNG, PPM, PGM or PAM picture to `sink`, which must outlive the writer. A PPM picture of one channel has
+// equal colours; a PGM picture must have one channel, and four fit into PAM only.
 std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink);
 
 }  // namespace vekpix

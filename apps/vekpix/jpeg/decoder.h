@@ -24,8 +24,9 @@ struct DecodeOptions {
 
 class BandSource;
 
-// Grey files give one channel, all others three (red, green, blue), or four inks of which 255 is all. The file's bytes must outlive the decoder.
-// Everything that is wrong with a file is an Error: in the constructor for its headers, in readBand() for its data.
+// Grey files give one channel, all others three (red, green, blue), or four inks of which 255 is all. The file's bytes
+// must outlive the decoder. Everything that is wrong with a file is an Error: in the constructor for its headers, in
+// readBand() for its data.
 class Decoder {
 public:
     Decoder(std::span<const uint8_t> file, const DecodeOptions& options);

@@ -58,7 +58,8 @@ public:
     const McuLayout& layout() const { return layout_; }
 
     // Makes the blocks of an MCU, in the order of the scan: of luminance, then one each of Cb and Cr, then of black.
-    // `band` begins with the MCU's first row. Where the picture ends within the MCU, its last column and row are repeated.
+    // `band` begins with the MCU's first row. Where the picture ends within the MCU, its last column and row are
+    // repeated.
     void transform(const PixelBand& band, int mcuColumn, int16_t* blocks) const;
 
 private:

@@ -18,7 +18,8 @@ constexpr std::array<uint8_t, 64> zigzagPositions = [] {
 }();
 
 // Bytes of coefficients, packed from four vectors of two rows each, lie in four lanes: rows 0 and 2, rows 1 and 3, and
-// so on. For each lane: the shuffle that puts its coefficients into the order of the zig-zag, and where they come in it.
+// so on. For each lane: the shuffle that puts its coefficients into the order of the zig-zag, and where they come in
+// it.
 struct ZigzagOfLanes {
     alignas(32) std::array<uint8_t, 64> shuffle;
     std::array<uint64_t, 4> positions;

@@ -9,8 +9,8 @@
 
 namespace q3 {
 
-// Writes from `begin` on, and nothing at or behind `end`. It does not stop at a full destination: this is told by full()
-// in the end, and then only bytes behind the beginning have changed.
+// Writes from `begin` on, and nothing at or behind `end`. It does not stop at a full destination: this is told by
+// full() in the end, and then only bytes behind the beginning have changed.
 class FastBitWriter {
 public:
     FastBitWriter(uint8_t* begin, uint8_t* end, uint32_t pending, int numPending)
