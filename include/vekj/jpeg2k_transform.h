@@ -103,4 +103,106 @@ VEK_API VekStatus vekiICTFwd_JPEG2K_16s_P3IR(int16_t* const pSrcDst[3], int srcD
 VEK_API VekStatus vekiICTInv_JPEG2K_16s_P3IR(int16_t* const pSrcDst[3], int srcDstStep, VekSize roiSize);
 /** @} */
 
+/** @name Reversible 5/3 filter
+ *  ISO/IEC 15444-1, Annex F, in pieces: rows, columns, or one vertical lifting step at a time. With H the high-pass and
+ *  L the low-pass samples, E and O the samples at even and at odd positions, x the line and all shifts arithmetic:
+ *
+ *      forward   H(i) = x[2i + 1] - ((x[2i] + x[2i + 2]) >> 1)        L(i) = x[2i] + ((H(i - 1) + H(i) + 2) >> 2)
+ *      inverse   E(i) = L(i) - ((H(i - 1) + H(i) + 2) >> 2)           O(i) = H(i) + ((E(i) + E(i + 1)) >> 1)
+ *
+ *  Of 16-bit samples the sums are exact and each H, L, E and O is cut to 16 bits; of 32-bit samples every sum wraps at
+ *  32 bits. Nothing saturates, and the inverse undoes the forward filter for every input whose sums do not wrap.
+ *
+ *  No form extends a line at its ends: the caller lays out the extended samples around it. Nothing needs alignment.
+ *  `phase` is the parity of the first sample: 0 if `pSrc` of a forward form, or the first output of an inverse one,
+ *  stands at an even position; otherwise it stands at an odd one. The size of the region counts samples of one band, of
+ *  which there are as many low-pass as high-pass ones: in a row for a row form, in a column for a column form.
+ *
+ *  | form          | phase | reads                                    | gives                                   |
+ *  |---------------|-------|------------------------------------------|-----------------------------------------|
+ *  | forward, of w | 0     | x[-2] to x[2w]                           | low[i] from x[2i], high[i] from x[2i+1] |
+ *  | forward, of w | other | x[-1] to x[2w + 1]                       | high[i] from x[2i], low[i] from x[2i+1] |
+ *  | inverse, of w | 0     | low[0] to low[w], high[-1] to high[w]    | x[2i] from low[i], x[2i+1] from high[i] |
+ *  | inverse, of w | other | low[-1] to low[w-1], high[-1] to high[w] | x[2i] from high[i], x[2i+1] from low[i] |
+ *
+ *  The row and column forms return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (one of
+ *  three), vekStsBadStep (one of three below 1), vekStsBadSize (a side below 1). Steps are in bytes.
+ *  @{ */
+
+/** Filters each row of 16-bit samples into its two bands. */
+VEK_API VekStatus vekiWTFwdRow_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, int16_t* pDstLow, int dstLowStep,
+                                                  int16_t* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Filters each row of 32-bit samples into its two bands. */
+VEK_API VekStatus vekiWTFwdRow_B53_JPEG2K_32s_C1R(const int32_t* pSrc, int srcStep, int32_t* pDstLow, int dstLowStep,
+                                                  int32_t* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Puts each row of 16-bit samples together from its two bands. */
+VEK_API VekStatus vekiWTInvRow_B53_JPEG2K_16s_C1R(const int16_t* pSrcLow, int srcLowStep, const int16_t* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, int16_t* pDst, int dstStep,
+                                                  int phase);
+
+/** Puts each row of 32-bit samples together from its two bands. */
+VEK_API VekStatus vekiWTInvRow_B53_JPEG2K_32s_C1R(const int32_t* pSrcLow, int srcLowStep, const int32_t* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, int32_t* pDst, int dstStep,
+                                                  int phase);
+
+/** Filters each column of 16-bit samples into its two bands; the table holds with rows in place of samples. */
+VEK_API VekStatus vekiWTFwdCol_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, int16_t* pDstLow, int dstLowStep,
+                                                  int16_t* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Filters each column of 32-bit samples into its two bands. */
+VEK_API VekStatus vekiWTFwdCol_B53_JPEG2K_32s_C1R(const int32_t* pSrc, int srcStep, int32_t* pDstLow, int dstLowStep,
+                                                  int32_t* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Puts each column of 16-bit samples together from its two bands. */
+VEK_API VekStatus vekiWTInvCol_B53_JPEG2K_16s_C1R(const int16_t* pSrcLow, int srcLowStep, const int16_t* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, int16_t* pDst, int dstStep,
+                                                  int phase);
+
+/** Puts each column of 32-bit samples together from its two bands. */
+VEK_API VekStatus vekiWTInvCol_B53_JPEG2K_32s_C1R(const int32_t* pSrcLow, int srcLowStep, const int32_t* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, int32_t* pDst, int dstStep,
+                                                  int phase);
+
+/** One vertical lifting step over rows of 16-bit samples, for callers who feed a column form row pair by row pair.
+ *
+ *      pDstHigh1[i] = pSrc1[i] - ((pSrc0[i] + pSrc2[i]) >> 1)
+ *      pDstLow0[i]  = pSrc0[i] + ((pSrcHigh0[i] + pDstHigh1[i] + 2) >> 2)
+ *
+ *  A row that is written may be one that is read.
+ *  @param pSrc0, pSrc1, pSrc2  an even row, the odd one below, the even one below that
+ *  @param pSrcHigh0            the high row before, as the last step left it or as the caller prepared it at the top
+ *  @param width                samples in each row
+ *  @return vekStsOk, or with nothing written vekStsNullPointer (any), vekStsBadSize (width below 1) */
+VEK_API VekStatus vekiWTFwdColLift_B53_JPEG2K_16s_C1(const int16_t* pSrc0, const int16_t* pSrc1, const int16_t* pSrc2,
+                                                     int16_t* pDstLow0, const int16_t* pSrcHigh0, int16_t* pDstHigh1,
+                                                     int width);
+
+/** vekiWTFwdColLift_B53_JPEG2K_16s_C1() for 32-bit samples. */
+VEK_API VekStatus vekiWTFwdColLift_B53_JPEG2K_32s_C1(const int32_t* pSrc0, const int32_t* pSrc1, const int32_t* pSrc2,
+                                                     int32_t* pDstLow0, const int32_t* pSrcHigh0, int32_t* pDstHigh1,
+                                                     int width);
+
+/** The inverse of one vertical lifting step over rows of 16-bit samples.
+ *
+ *      pDstEven1[i] = pSrcLow0[i] - ((pSrcHigh0[i] + pSrcHigh1[i] + 2) >> 2)
+ *      pDstOdd0[i]  = pSrcHigh0[i] + ((pDstEven1[i] + pSrcEven0[i]) >> 1)
+ *
+ *  A row that is written may be one that is read.
+ *  @param pSrcLow0              the low row
+ *  @param pSrcHigh0, pSrcHigh1  the high rows before and behind it
+ *  @param pSrcEven0             the even row that the step before gave
+ *  @param width                 samples in each row
+ *  @return vekStsOk, or with nothing written vekStsNullPointer (any), vekStsBadSize (width below 1) */
+VEK_API VekStatus vekiWTInvColLift_B53_JPEG2K_16s_C1(const int16_t* pSrcLow0, const int16_t* pSrcHigh0,
+                                                     const int16_t* pSrcHigh1, const int16_t* pSrcEven0,
+                                                     int16_t* pDstOdd0, int16_t* pDstEven1, int width);
+
+/** vekiWTInvColLift_B53_JPEG2K_16s_C1() for 32-bit samples. */
+VEK_API VekStatus vekiWTInvColLift_B53_JPEG2K_32s_C1(const int32_t* pSrcLow0, const int32_t* pSrcHigh0,
+                                                     const int32_t* pSrcHigh1, const int32_t* pSrcEven0,
+                                                     int32_t* pDstOdd0, int32_t* pDstEven1, int width);
+/** @} */
+
 #endif

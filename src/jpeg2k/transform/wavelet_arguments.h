@@ -1,0 +1,34 @@
+// The argument checks that the row and column forms share, and their walk over rows.
+#ifndef VEK_JPEG2K_TRANSFORM_WAVELET_ARGUMENTS_H
+#define VEK_JPEG2K_TRANSFORM_WAVELET_ARGUMENTS_H
+
+#include "frame/checks.h"
+#include "frame/vec.h"
+
+namespace q3 {
+
+// A region of one plane.
+template <typename T>
+struct Region {
+    T* data;
+    int step;
+
+    T* row(int y) const { return rowAt(data, step, y); }
+};
+
+template <typename A, typename B, typename C>
+inline VekStatus checkRegions(const Region<A>& a, const Region<B>& b, const Region<C>& c, VekSize roiSize)
+{
+    VEK_CHECK_POINTER(a.data);
+    VEK_CHECK_POINTER(b.data);
+    VEK_CHECK_POINTER(c.data);
+    VEK_CHECK_STEP(a.step);
+    VEK_CHECK_STEP(b.step);
+    VEK_CHECK_STEP(c.step);
+    VEK_CHECK_SIZE(roiSize);
+    return vekStsOk;
+}
+
+}  // namespace q3
+
+#endif
