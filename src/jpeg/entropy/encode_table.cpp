@@ -10,6 +10,7 @@ namespace q3 {
 namespace {
 
 // Codes by ITU T.81, Annex C. A code that uses up the space of its length is refused: the all-ones code is not for use.
+// So even a table that is left half built holds no code wider than its length.
 VekStatus build(const uint8_t* pListBits, const uint8_t* pListVals, VekEncodeHuffmanSpec& object)
 {
     VEK_CHECK(countCodes(pListBits) >= 0, vekStsJpegHuffmanTable);
@@ -17,9 +18,9 @@ VekStatus build(const uint8_t* pListBits, const uint8_t* pListVals, VekEncodeHuf
     uint32_t code = 0;
     int index = 0;
     for (uint32_t length = 1; length <= maxCodeLength; ++length) {
-        for (int i = 0; i < pListBits[length - 1]; ++i)
-            object.codes[pListVals[index++]] = length << 16 | (code++ & 0xFFFF);
-        VEK_CHECK(code < 1U << length, vekStsJpegHuffmanTable);
+        const int count = pListBits[length - 1];
+        VEK_CHECK(code + static_cast<uint32_t>(count) < 1U << length, vekStsJpegHuffmanTable);
+        for (int i = 0; i < count; ++i) object.codes[pListVals[index++]] = length << 16 | code++;
         code <<= 1;
     }
     return vekStsOk;
