@@ -10,15 +10,16 @@ namespace q3 {
 
 // Appends the low nBits bits of value, at most 16. vekStsJpegHuffmanTable for no bits: that is a symbol without a code.
 // vekStsJpegOutOfBuffer if the bytes do not fit: those that did stay, and the state keeps the bits from before the
-// call.
+// call. A state that no sequential coder leaves makes senseless bytes, inside the room like any.
 inline VekStatus ownjc_write_bits_jpeg(uint32_t value, int nBits, uint8_t* pDst, int dstLenBytes, int* pDstCurrPos,
                                        VekEncodeHuffmanState* pEncHuffState)
 {
     if (nBits == 0)
         return vekStsJpegHuffmanTable;
-    int total = pEncHuffState->numBits + nBits;
+    auto total = static_cast<int32_t>(static_cast<uint32_t>(pEncHuffState->numBits) + static_cast<uint32_t>(nBits));
     const uint32_t bits = value & ((1U << nBits) - 1);
-    uint32_t pending = static_cast<uint32_t>(pEncHuffState->bitBuffer) | bits << (24 - total);
+    const uint32_t shift = 24 - static_cast<uint32_t>(total);
+    uint32_t pending = static_cast<uint32_t>(pEncHuffState->bitBuffer) | bits << (shift & 31);
     while (total >= 8) {
         if (*pDstCurrPos >= dstLenBytes)
             return vekStsJpegOutOfBuffer;

@@ -89,7 +89,7 @@ VekStatus vekiEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst,
     const auto dc = loadScalar<int16_t>(pSrc);
     const int diff = dc - *pLastDC;
     *pLastDC = dc;
-    if (int64_t{dstLenBytes} - *pDstCurrPos >= fastPathRoom &&
+    if (int64_t{dstLenBytes} - *pDstCurrPos >= fastPathRoom && holdsNoWholeByte(*pEncHuffState) &&
         encodeFast(pSrc, dst, diff, *pDcTable, *pAcTable, pEncHuffState))
         return vekStsOk;
     return encodeCarefully(pSrc, dst, diff, *pDcTable, *pAcTable, pEncHuffState);

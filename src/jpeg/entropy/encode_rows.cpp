@@ -92,8 +92,9 @@ VekStatus vekiEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t** pSrc, int nSrcLen
     VEK_CHECK_PLANES(pSrc, rows);
     VEK_CHECK_PLANES(pEncHuffTable, rows);
 
-    const int begin =
-        encodeFastOf[rows - 1](pSrc, nSrcLen, pDst, dstLenBytes, pDstCurrPos, pEncHuffTable, pEncHuffState);
+    int begin = 0;
+    if (holdsNoWholeByte(*pEncHuffState))
+        begin = encodeFastOf[rows - 1](pSrc, nSrcLen, pDst, dstLenBytes, pDstCurrPos, pEncHuffTable, pEncHuffState);
     VEK_CHECK(begin >= 0, vekStsJpegHuffmanTable);
     for (int i = begin; i < nSrcLen; ++i) {
         for (int c = 0; c < rows; ++c) {

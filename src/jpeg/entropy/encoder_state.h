@@ -18,6 +18,9 @@ static_assert(sizeof(VekEncodeHuffmanState) == 1048 && offsetof(VekEncodeHuffman
 
 namespace q3 {
 
+// As every sequential coder leaves it.
+inline bool holdsNoWholeByte(const VekEncodeHuffmanState& state) { return static_cast<uint32_t>(state.numBits) < 8; }
+
 void ownjc_EncodeHuffmanStateInit(VekEncodeHuffmanState* pEncHuffState);
 
 }  // namespace q3

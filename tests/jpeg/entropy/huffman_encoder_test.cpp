@@ -107,6 +107,46 @@ TEST(HuffmanEncoder, EqualsItsModelOverLongStreams)
         }
 }
 
+TEST(HuffmanEncoder, EqualsItsModelAroundTheLargestMagnitudesOfEightBitPictures)
+{
+    Random random(21);
+    const Tables tables(huffman::randomLists(random, 256), huffman::randomLists(random, 256));
+    for (const int16_t dc : {0, 1023, 1024, -1024, 2047, -32768, 32767})
+        for (const int16_t v : {1022, 1023, 1024, 1025, -1023, -1024, -1025, 2047, 32767, -32767, -32768})
+            for (size_t i = 1; i < 64; ++i) {
+                TwoStreams streams(tables, 600);
+                Block block{};
+                block[0] = dc;
+                block[i] = v;
+                block[63] = i % 2 == 0 ? int16_t{1} : block[63];
+                streams.encode(block);
+                streams.encode(huffman::randomBlock(random, 1));
+                streams.flush();
+                ASSERT_FALSE(testing::Test::HasFailure()) << dc << ' ' << v << " at " << i;
+            }
+}
+
+TEST(HuffmanEncoder, AStateThatNoCallLeftKeepsToTheRoom)
+{
+    Random random(22);
+    const Tables tables = annexK();
+    for (const int numBits : {8, 17, 24, 25, 32, 63, 64, 1000, INT32_MAX, -1, -8, INT32_MIN})
+        for (int room = 1; room < 50; ++room) {
+            GuardedArray<uint8_t> dst(static_cast<size_t>(room));
+            VekEncodeHuffmanState state{};
+            state.bitBuffer = random.any<uint64_t>();
+            state.numBits = numBits;
+            int position = 0;
+            int16_t dc = 0;
+            for (int i = 0; i < 6; ++i) {
+                const Block block = huffman::randomBlock(random, 2);
+                vekiEncodeHuffman8x8_JPEG_16s1u_C1(block.data(), dst.data(), room, &position, &dc, &tables.encodeDc,
+                                                   &tables.encodeAc, &state, i % 4 == 3);
+                ASSERT_TRUE(position >= 0 && position <= room) << numBits << ' ' << room;
+            }
+        }
+}
+
 TEST(HuffmanEncoder, EqualsItsModelInEveryRoom)
 {
     Random random(2);
