@@ -22,6 +22,7 @@ alignas(32) constexpr RowFactors tab_f_35 = forwardFactors(factors35);
 
 constexpr int16_t ocos_4_16 = 23170;
 constexpr int32_t round_fwd_row = 524288;
+static_assert(round_fwd_row % 65536 == 0);  // the row pass adds it to high halves
 
 [[gnu::always_inline]] inline __m128i plus(__m128i x, __m128i y) { return _mm_adds_epi16(x, y); }
 [[gnu::always_inline]] inline __m128i less(__m128i x, __m128i y) { return _mm_subs_epi16(x, y); }
