@@ -28,7 +28,7 @@ Outcome decode(std::span<const uint8_t> file, const vekpix::jpeg::DecodeOptions&
     Outcome outcome;
     try {
         vekpix::jpeg::Decoder decoder(file, options);
-        const size_t step = static_cast<size_t>(decoder.width()) * static_cast<size_t>(decoder.channels());
+        const size_t step = decoder.shape().rowBytes();
         std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
         while (const int rows = decoder.readBand(band.data(), step))
             outcome.add(band.data(), static_cast<size_t>(rows) * step);

@@ -67,7 +67,7 @@ void decode(benchmark::State& state, const std::vector<uint8_t>& bytes, const ve
     const std::unique_ptr<uint8_t[]> pixels(new uint8_t[static_cast<size_t>(width) * height * 3]);
     for (auto _ : state) {
         vekpix::jpeg::Decoder decoder(bytes, options);
-        const size_t step = static_cast<size_t>(decoder.width()) * static_cast<size_t>(decoder.channels());
+        const size_t step = decoder.shape().rowBytes();
         uint8_t* at = pixels.get();
         while (const int rows = decoder.readBand(at, step)) at += static_cast<size_t>(rows) * step;
         benchmark::ClobberMemory();

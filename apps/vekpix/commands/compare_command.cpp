@@ -9,6 +9,7 @@
 
 #include "commands/commands.h"
 #include "error.h"
+#include "image/depth_rows.h"
 #include "image/formats.h"
 #include "io/input_file.h"
 #include "jpeg/jpeg_rows.h"
@@ -28,6 +29,8 @@ struct Difference {
     int64_t samples = 0;
     int largest = 0;
 
+    int bits = 8;
+
     void add(int a, int b)
     {
         const int difference = std::abs(a - b);
@@ -44,14 +47,16 @@ struct Difference {
     // Peak signal-to-noise ratio in decibels; infinite for equal pictures.
     double psnr() const
     {
-        return 10 * std::log10(255.0 * 255.0 * static_cast<double>(samples) / static_cast<double>(squares));
+        const double largestValue = (1 << bits) - 1;
+        return 10 *
+               std::log10(largestValue * largestValue * static_cast<double>(samples) / static_cast<double>(squares));
     }
 };
 
 std::unique_ptr<RowReader> openAny(const std::string& path, bool inks)
 {
     if (formatOf(path) != ImageFormat::Jpeg)
-        return openPicture(path);
+        return openPicture(path, SampleDepth::AsStored);
     jpeg::DecodeOptions options;
     options.threads = ownGetNumThreads();
     options.inks = inks;
@@ -63,12 +68,15 @@ std::string sizeOf(const RowReader& picture)
     return std::to_string(picture.width()) + " x " + std::to_string(picture.height());
 }
 
-// Differences per channel. A grey picture beside a coloured one counts as one of equal colours.
+// Differences per channel, of pictures of the same bits. A grey picture beside a coloured one counts as one of equal
+// colours.
 std::vector<Difference> differences(RowReader& first, RowReader& second)
 {
     constexpr int bandRows = 64;
     const auto channels = static_cast<size_t>(std::max(first.channels(), second.channels()));
     std::vector<Difference> sums(channels);
+    for (Difference& sum : sums) sum.bits = first.shape().bits;
+    const size_t bytes = first.shape().sampleBytes();
     std::array<std::vector<uint8_t>, 2> bands;
     const std::array<RowReader*, 2> pictures = {&first, &second};
     const std::array<size_t, 2> pixelStep = {static_cast<size_t>(first.channels()),
@@ -82,8 +90,8 @@ std::vector<Difference> differences(RowReader& first, RowReader& second)
         const size_t pixels = static_cast<size_t>(first.width()) * static_cast<size_t>(rows);
         for (size_t c = 0; c < channels; ++c)
             for (size_t p = 0; p < pixels; ++p)
-                sums[c].add(bands[0][p * pixelStep[0] + std::min(c, pixelStep[0] - 1)],
-                            bands[1][p * pixelStep[1] + std::min(c, pixelStep[1] - 1)]);
+                sums[c].add(sampleAt(bands[0].data(), p * pixelStep[0] + std::min(c, pixelStep[0] - 1), bytes),
+                            sampleAt(bands[1].data(), p * pixelStep[1] + std::min(c, pixelStep[1] - 1), bytes));
     }
     return sums;
 }
@@ -97,14 +105,17 @@ void compare(const CompareArguments& arguments)
 {
     // Beside a PAM file a JPEG file shows its inks, if it has any.
     const bool inks = formatOf(arguments.first) == ImageFormat::Pam || formatOf(arguments.second) == ImageFormat::Pam;
-    const std::unique_ptr<RowReader> first = openAny(arguments.first, inks);
-    const std::unique_ptr<RowReader> second = openAny(arguments.second, inks);
+    std::unique_ptr<RowReader> first = openAny(arguments.first, inks);
+    std::unique_ptr<RowReader> second = openAny(arguments.second, inks);
     if ((first->channels() == 4) != (second->channels() == 4))
         throw Error("only one of the pictures consists of inks: " +
                     (first->channels() == 4 ? arguments.first : arguments.second));
     if (first->width() != second->width() || first->height() != second->height())
         throw Error("the pictures differ in size: " + arguments.first + " has " + sizeOf(*first) + " pixels, " +
                     arguments.second + " has " + sizeOf(*second));
+    const int bits = std::min(first->shape().bits, second->shape().bits);
+    first = withBits(std::move(first), bits);
+    second = withBits(std::move(second), bits);
     const std::vector<Difference> sums = differences(*first, *second);
     if (sums.size() == 1) {
         print("grey", sums[0]);
@@ -113,6 +124,7 @@ void compare(const CompareArguments& arguments)
     constexpr std::array<const char*, 3> lights = {"red", "green", "blue"};
     constexpr std::array<const char*, 4> inkNames = {"cyan", "magenta", "yellow", "black"};
     Difference all;
+    all.bits = bits;
     for (size_t c = 0; c < sums.size(); ++c) {
         print(sums.size() == 4 ? inkNames[c] : lights[c], sums[c]);
         all.add(sums[c]);
@@ -125,7 +137,8 @@ void compare(const CompareArguments& arguments)
 void addCompareCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<CompareArguments>();
-    CLI::App* command = app.add_subcommand("compare", "Compares two pictures of the same size.");
+    CLI::App* command =
+        app.add_subcommand("compare", "Compares two pictures of the same size, at the smaller of their depths.");
     command->add_option("first", arguments->first, "PNG, PPM, PGM, PAM or JPEG file")->required();
     command->add_option("second", arguments->second, "PNG, PPM, PGM, PAM or JPEG file")->required();
     command->callback([arguments] { compare(*arguments); });

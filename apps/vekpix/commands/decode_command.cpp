@@ -36,7 +36,7 @@ auto reading(const std::string& path, const Read& read)
 
 void decodeRows(const std::string& path, jpeg::Decoder& decoder, RowWriter& writer)
 {
-    const size_t step = static_cast<size_t>(decoder.width()) * static_cast<size_t>(decoder.channels());
+    const size_t step = decoder.shape().rowBytes();
     std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
     Progress progress(decoder.height());
     while (const int rows = reading(path, [&] { return decoder.readBand(band.data(), step); })) {
@@ -56,8 +56,7 @@ void decode(const DecodeArguments& arguments)
     options.threads = arguments.threads == 0 ? ownGetNumThreads() : arguments.threads;
     const auto decoder = reading(arguments.input, [&] { return std::make_unique<jpeg::Decoder>(file, options); });
     OutputFile output(arguments.output);
-    const auto writer =
-        makePictureWriter(format, Shape{decoder->width(), decoder->height(), decoder->channels()}, output);
+    const auto writer = makePictureWriter(format, decoder->shape(), output);
     decodeRows(arguments.input, *decoder, *writer);
     writer->finish();
     output.commit();
@@ -69,7 +68,8 @@ void addDecodeCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<DecodeArguments>();
     CLI::App* command = app.add_subcommand("decode", "Decodes a JPEG file.");
-    command->add_option("input", arguments->input, "JPEG file of 8-bit samples, sequential or progressive")->required();
+    command->add_option("input", arguments->input, "JPEG file: sequential of 8 or 12 bits, or progressive of 8")
+        ->required();
     command->add_option("output", arguments->output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
         ->required();
     command->add_option("--scale", arguments->scale, "divides width and height")

@@ -5,6 +5,7 @@
 #include "commands/progress.h"
 #include "commands/scan_script_file.h"
 #include "error.h"
+#include "image/depth_rows.h"
 #include "image/formats.h"
 #include "io/output_file.h"
 #include "jpeg/encoder.h"
@@ -20,6 +21,7 @@ struct EncodeArguments {
     std::string scans;
     std::string sampling = "420";
     std::string downsampling = "blocks";
+    int precision = 8;
     jpeg::EncodeOptions options;
 };
 
@@ -34,10 +36,11 @@ void runEncode(EncodeArguments arguments)
 {
     if (formatOf(arguments.output) != ImageFormat::Jpeg)
         throw Error(arguments.output + ": the coded picture must be named .jpg or .jpeg");
-    const std::unique_ptr<RowReader> picture = openPicture(arguments.input);
+    const SampleDepth depth = arguments.precision == 8 ? SampleDepth::Eight : SampleDepth::AsStored;
+    const std::unique_ptr<RowReader> picture = withBits(openPicture(arguments.input, depth), arguments.precision);
     arguments.options.scans = readScanScript(arguments.scans);
     OutputFile file(arguments.output);
-    Progress progress(int64_t{picture->height()} * jpeg::encodePasses(arguments.options));
+    Progress progress(int64_t{picture->height()} * jpeg::encodePasses(picture->shape(), arguments.options));
     if (arguments.options.threads == 0)
         arguments.options.threads = ownGetNumThreads();
     arguments.options.sampling = samplingNamed(arguments.sampling);
@@ -72,6 +75,9 @@ void addEncodeCommand(CLI::App& app)
         ->capture_default_str();
     command->add_option("--restart", options.restartInterval, "restart marker every N MCUs; 0 for none")
         ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    command->add_option("--precision", arguments->precision, "bits of a sample, 8 or 12")
+        ->check(CLI::IsMember({8, 12}))
         ->capture_default_str();
     command->add_flag("--optimize", options.optimizeTables, "makes Huffman tables for this picture: a smaller file");
     command->add_flag("--progressive", options.progressive, "codes in many scans, from coarse to fine");

@@ -16,7 +16,8 @@ class BandSource {
 public:
     virtual ~BandSource() = default;
     virtual int bandRows() const = 0;
-    // Stores `rows` rows: bandRows(), or what is left at the bottom of the picture.
+    // Stores `rows` rows: bandRows(), or what is left at the bottom of the picture. Samples of more than 8 bits are
+    // words, for which `pixels` and `step` must be even.
     virtual void readBand(uint8_t* pixels, size_t step, int rows) = 0;
     // The first marker behind the last scan's data, once the last band has been read.
     virtual std::optional<int> markerBehind() const = 0;

@@ -14,10 +14,12 @@ Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)
     if (options.scale != 1 && options.scale != 2 && options.scale != 4 && options.scale != 8)
         throw Error("the scale must be 1, 2, 4 or 8");
     const Picture picture = readHeaders(file);
-    width_ = divideUp(picture.frame.width, options.scale);
-    height_ = divideUp(picture.frame.height, options.scale);
     const size_t components = picture.frame.components.size();
-    channels_ = components == 1 ? 1 : components == 4 && options.inks ? 4 : 3;
+    shape_ = {divideUp(picture.frame.width, options.scale), divideUp(picture.frame.height, options.scale),
+              components == 1                   ? 1
+              : components == 4 && options.inks ? 4
+                                                : 3,
+              picture.frame.bits};
     source_ = picture.frame.progressive ? makeProgressiveBands(picture, options) : makeMcuBands(picture, options);
     if (!source_)
         source_ = makePlaneBands(picture, options);
@@ -29,12 +31,12 @@ int Decoder::bandRows() const { return source_->bandRows(); }
 
 int Decoder::readBand(uint8_t* pixels, size_t step)
 {
-    const int rows = std::min(source_->bandRows(), height_ - nextRow_);
+    const int rows = std::min(source_->bandRows(), height() - nextRow_);
     if (rows <= 0)
         return 0;
     source_->readBand(pixels, step, rows);
     nextRow_ += rows;
-    if (nextRow_ == height_ && source_->markerBehind() == DNL)
+    if (nextRow_ == height() && source_->markerBehind() == DNL)
         throw Error("JPEG files that tell their height behind the first scan (DNL) are not supported");
     return rows;
 }

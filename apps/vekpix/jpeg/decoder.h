@@ -7,6 +7,8 @@
 #include <memory>
 #include <span>
 
+#include "image/rows.h"
+
 namespace vekpix::jpeg {
 
 // What becomes of components with fewer samples than the picture has pixels.
@@ -24,9 +26,9 @@ struct DecodeOptions {
 
 class BandSource;
 
-// Grey files give one channel, all others three (red, green, blue), or four inks of which 255 is all. The file's bytes
-// must outlive the decoder. Everything that is wrong with a file is an Error: in the constructor for its headers, in
-// readBand() for its data.
+// Grey files give one channel, all others three (red, green, blue), or four inks of which the largest value is all. The
+// file's bytes must outlive the decoder. Everything that is wrong with a file is an Error: in the constructor for its
+// headers, in readBand() for its data.
 class Decoder {
 public:
     Decoder(std::span<const uint8_t> file, const DecodeOptions& options);
@@ -34,18 +36,18 @@ public:
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
-    int width() const { return width_; }
-    int height() const { return height_; }
-    int channels() const { return channels_; }
+    int width() const { return shape_.width; }
+    int height() const { return shape_.height; }
+    int channels() const { return shape_.channels; }
+    const Shape& shape() const { return shape_; }
     int bandRows() const;  // rows of every band but the last, which may have fewer
 
-    // Stores the next band at `pixels`, its rows `step` bytes apart. Returns its number of rows, 0 behind the last.
+    // Stores the next band at `pixels`, its rows `step` bytes apart: both even if samples have more than 8 bits.
+    // Returns its number of rows, 0 behind the last.
     int readBand(uint8_t* pixels, size_t step);
 
 private:
-    int width_ = 0;
-    int height_ = 0;
-    int channels_ = 0;
+    Shape shape_;
     int nextRow_ = 0;
     std::unique_ptr<BandSource> source_;
 };

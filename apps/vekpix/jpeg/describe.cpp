@@ -45,7 +45,8 @@ void describeFrame(const MarkerReader& markers, std::ostream& out)
         << (frame.progressive ? "progressive"
             : frame.baseline  ? "baseline"
                               : "extended sequential")
-        << ", " << frame.width << " x " << frame.height << ", 8 bits, " << nameOf(markers.colourModel()) << '\n';
+        << ", " << frame.width << " x " << frame.height << ", " << frame.bits << " bits, "
+        << nameOf(markers.colourModel()) << '\n';
     for (const FrameComponent& component : frame.components)
         out << "  component " << component.id << ": sampling " << component.horizontalSampling << "x"
             << component.verticalSampling << ", quantisation table " << component.quantTable << '\n';

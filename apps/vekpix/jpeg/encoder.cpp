@@ -30,6 +30,10 @@ void checkRange(const char* what, int value, int least, int most)
 void check(const Shape& picture, const EncodeOptions& options)
 {
     checkRange("the quality", options.quality, 1, 100);
+    if (picture.bits != 8 && picture.bits != 12)
+        throw Error("samples of " + std::to_string(picture.bits) + " bits cannot be coded by this process");
+    if (picture.bits != 8 && storesCoefficients(options))
+        throw Error("samples of more than 8 bits are coded in one sequential scan only");
     checkRange("the restart interval", options.restartInterval, 0, maxSize);
     if (options.threads < 1)
         throw Error("at least one thread must work");
@@ -103,7 +107,7 @@ void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options)
     ScanTables lists = {{standardLuminanceDc, standardChrominanceDc}, {standardLuminanceAc, standardChrominanceAc}};
     RowReader* rows = &picture;
     std::optional<Rewindable> again;
-    if (options.optimizeTables) {
+    if (makesTables(picture.shape(), options)) {
         rows = &again.emplace(picture).rows();
         lists = countSymbols(*rows, transform, scan, options).optimalTables();
         rows->rewind();

@@ -36,14 +36,19 @@ struct EncodeOptions {
 // Whether all coefficients are made before the first scan is written.
 inline bool storesCoefficients(const EncodeOptions& options) { return options.progressive || !options.scans.empty(); }
 
-inline int encodePasses(const EncodeOptions& options)
+// The usual tables are too small for pictures of 12 bits.
+inline bool makesTables(const Shape& picture, const EncodeOptions& options)
 {
-    return options.optimizeTables || storesCoefficients(options) ? 2 : 1;
+    return options.optimizeTables || picture.bits > 8;
+}
+inline int encodePasses(const Shape& picture, const EncodeOptions& options)
+{
+    return makesTables(picture, options) || storesCoefficients(options) ? 2 : 1;
 }
 
-// An Error if the options or the picture's size do not suit the format. Memory: a few bands; with optimizeTables, the
-// whole picture too if it comes from a source that cannot be rewound; with more scans than one, all coefficients and
-// the coded scans.
+// An Error if the options or the picture's size do not suit the format, or if its samples have neither 8 nor 12 bits.
+// Memory: a few bands; if tables are made, the whole picture too if it comes from a source that cannot be rewound; with
+// more scans than one, all coefficients and the coded scans.
 void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options);
 
 }  // namespace vekpix::jpeg

@@ -10,8 +10,8 @@ namespace vekpix::jpeg {
 
 namespace {
 
-// A coefficient takes a code of at most 16 bits and at most 11 more bits; every byte may need a stuffed one behind it.
-constexpr size_t maxBlockBytes = 2 * (blockSize * (16 + 11) / 8);
+// A coefficient takes a code of at most 16 bits and at most 15 more bits; every byte may need a stuffed one behind it.
+constexpr size_t maxBlockBytes = 2 * (blockSize * (16 + 15) / 8);
 constexpr size_t fastPathBytes = 32;  // room behind a block with which the library still codes at full speed
 constexpr size_t maxMcuBytes = maxBlocksPerMcu * maxBlockBytes + fastPathBytes + 4;  // 4: padding and restart marker
 

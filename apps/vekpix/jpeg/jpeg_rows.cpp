@@ -18,7 +18,7 @@ public:
     JpegRows(const std::string& path, const DecodeOptions& options) : path_(path), file_(readFile(path))
     {
         named([&] { decoder_.emplace(file_, options); });
-        shape_ = {decoder_->width(), decoder_->height(), decoder_->channels()};
+        shape_ = decoder_->shape();
         band_.resize(shape_.rowBytes() * static_cast<size_t>(decoder_->bandRows()));
     }
 

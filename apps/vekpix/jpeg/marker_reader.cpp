@@ -284,13 +284,15 @@ void MarkerReader::readQuantTables(std::span<const uint8_t> body)
     SegmentCursor cursor(body, "DQT");
     while (!cursor.atEnd()) {
         const int kind = cursor.byte();
-        if (kind >> 4 == 1)
-            throw Error("16-bit quantisation tables are not supported");
         if (kind >> 4 > 1 || (kind & 15) >= tableSlots)
             throw Error("damaged JPEG file: impossible kind of quantisation table");
-        const auto steps = cursor.take(64);
         auto table = std::make_shared<QuantSteps>();
-        std::copy(steps.begin(), steps.end(), table->begin());
+        for (uint8_t& step : *table) {
+            const int value = kind >> 4 == 0 ? cursor.byte() : cursor.word();
+            if (value > 255)
+                throw Error("quantisation steps above 255 are not supported");
+            step = static_cast<uint8_t>(value);
+        }
         if (std::find(table->begin(), table->end(), 0) != table->end())
             throw Error("damaged JPEG file: a quantisation step of 0");
         quant_[static_cast<size_t>(kind & 15)] = std::move(table);
@@ -334,9 +336,10 @@ void MarkerReader::readFrame(int marker, std::span<const uint8_t> body)
     Frame frame;
     frame.baseline = marker == SOF0;
     frame.progressive = marker == SOF2;
-    const int precision = cursor.byte();
-    if (precision != 8)
-        throw Error("JPEG files of " + std::to_string(precision) + "-bit samples are not supported");
+    frame.bits = cursor.byte();
+    if (frame.bits != 8 && !(marker == SOF1 && frame.bits == 12))
+        throw Error((frame.progressive ? "progressive JPEG files of " : "JPEG files of ") + std::to_string(frame.bits) +
+                    "-bit samples are not supported");
     frame.height = cursor.word();
     frame.width = cursor.word();
     if (frame.height == 0)

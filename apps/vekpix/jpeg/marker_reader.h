@@ -24,7 +24,7 @@ constexpr int maxBlocksInMcu = 10;  // T.81, B.2.3
 
 inline int divideUp(int dividend, int divisor) { return (dividend + divisor - 1) / divisor; }
 
-// 64 steps in zig-zag order, as a DQT segment carries them.
+// 64 steps in zig-zag order, as a DQT segment carries them; those of 16 bits are read if they fit.
 using QuantSteps = std::array<uint8_t, 64>;
 
 // The two lists of a DHT segment, and the decoder's table made of them.
@@ -50,6 +50,7 @@ struct FrameComponent {
 struct Frame {
     bool baseline = true;      // SOF0
     bool progressive = false;  // SOF2; if neither, SOF1
+    int bits = 8;              // of a sample
     int width = 0;
     int height = 0;
     std::vector<FrameComponent> components;

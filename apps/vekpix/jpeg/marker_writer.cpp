@@ -80,7 +80,7 @@ void writeQuantTable(ByteSink& sink, int slot, const QuantizerSteps& steps)
 void writeFrame(ByteSink& sink, const Frame& frame)
 {
     SegmentBytes segment(frame.progressive ? SOF2 : frame.baseline ? SOF0 : SOF1);
-    segment.byte(8).word(frame.height).word(frame.width).byte(static_cast<int>(frame.components.size()));
+    segment.byte(frame.bits).word(frame.height).word(frame.width).byte(static_cast<int>(frame.components.size()));
     for (const FrameComponent& c : frame.components)
         segment.byte(c.id).byte(c.horizontalSampling << 4 | c.verticalSampling).byte(c.quantTable);
     segment.writeTo(sink);
@@ -111,6 +111,8 @@ Frame frameOf(const McuLayout& layout)
     Frame frame;
     frame.width = layout.picture.width;
     frame.height = layout.picture.height;
+    frame.bits = layout.picture.bits;
+    frame.baseline = frame.bits == 8;
     for (int c = 0; c < layout.components(); ++c) {
         const bool chroma = layout.isChroma(static_cast<size_t>(c));
         const int id = layout.colours == ColourModel::Rgb ? "RGB"[c] : c + 1;

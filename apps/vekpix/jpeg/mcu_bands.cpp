@@ -60,7 +60,8 @@ bool isOneScanInOrder(const Picture& picture)
 const Kind* kindOf(const Picture& picture, const DecodeOptions& options)
 {
     const std::vector<FrameComponent>& c = picture.frame.components;
-    if (options.scale != 1 || picture.colours != ColourModel::YCbCr || !(picture.stored || isOneScanInOrder(picture)))
+    if (options.scale != 1 || picture.frame.bits != 8 || picture.colours != ColourModel::YCbCr ||
+        !(picture.stored || isOneScanInOrder(picture)))
         return nullptr;
     for (size_t i = 1; i < c.size(); ++i)
         if (c[i].horizontalSampling != 1 || c[i].verticalSampling != 1)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "image/depth_rows.h"
 #include "jpeg/library_status.h"
 #include "vekj.h"
 
@@ -25,10 +26,21 @@ McuTransform::McuTransform(const McuLayout& layout, const QuantizerSteps& lumina
 {
     expectOk(vekiQuantFwdTableInit_JPEG_8u16u(luminance.data(), luminance_.data()), "quantisation table");
     expectOk(vekiQuantFwdTableInit_JPEG_8u16u(chrominance.data(), chrominance_.data()), "quantisation table");
+    for (size_t t = 0; t < deepQuantizers_.size(); ++t) {
+        Quantizer steps;
+        expectOk(vekiQuantInvTableInit_JPEG_8u16u((t == 0 ? luminance : chrominance).data(), steps.data()),
+                 "quantisation table");
+        std::transform(steps.begin(), steps.end(), deepQuantizers_[t].begin(),
+                       [](uint16_t step) { return 1.0F / static_cast<float>(step); });
+    }
 }
 
 void McuTransform::transform(const PixelBand& band, int mcuColumn, int16_t* blocks) const
 {
+    if (layout_.picture.bits > 8) {
+        transformDeep(band, mcuColumn, blocks);
+        return;
+    }
     const int width = layout_.mcuWidth();
     const int height = layout_.mcuHeight();
     const int columns = std::min(layout_.picture.width - mcuColumn * width, width);
@@ -96,6 +108,67 @@ void McuTransform::quantise(int16_t* blocks) const
     for (int b = 0; b < layout_.blocksPerMcu(); ++b, blocks += blockSize) {
         const Quantizer& quantizer = layout_.isChroma(layout_.componentOf(b)) ? chrominance_ : luminance_;
         expectOk(vekiDCTQuantFwd8x8_JPEG_16s_C1I(blocks, quantizer.data()), "DCT");
+    }
+}
+
+// Luminance, Cb and Cr by T.871, clause 7, in 16-bit fixed point and rounded to the nearest.
+void toYcbcr(std::array<int, 4>& colour, int bits)
+{
+    const auto [r, g, b, black] = colour;
+    const int zero = (1 << (bits - 1 + 16)) + 32767;
+    colour = {(19595 * r + 38470 * g + 7471 * b + 32768) >> 16, (-11059 * r - 21709 * g + 32768 * b + zero) >> 16,
+              (32768 * r - 27439 * g - 5329 * b + zero) >> 16, black};
+}
+
+// Averages cells of 2 x `down` samples in place, with the result in rows as far apart as before.
+void average(uint16_t* plane, int step, int width, int height, int down)
+{
+    for (int y = 0; y < height / down; ++y)
+        for (int x = 0; x < width / 2; ++x) {
+            int sum = down;
+            for (int dy = 0; dy < down; ++dy) {
+                const uint16_t* cell = plane + (y * down + dy) * step + 2 * x;
+                sum += cell[0] + cell[1];
+            }
+            plane[y * step + x] = static_cast<uint16_t>(sum / (2 * down));
+        }
+}
+
+void McuTransform::transformDeep(const PixelBand& band, int mcuColumn, int16_t* blocks) const
+{
+    constexpr int side = 16;
+    std::array<std::array<uint16_t, side * side>, 4> planes;
+    const int bits = layout_.picture.bits;
+    const int flip = layout_.hasInks() ? (1 << bits) - 1 : 0;
+    for (int y = 0; y < layout_.mcuHeight(); ++y) {
+        const uint8_t* row = band.pixels + band.step * static_cast<size_t>(std::min(y, band.rows - 1));
+        for (int x = 0; x < layout_.mcuWidth(); ++x) {
+            const int column = std::min(mcuColumn * layout_.mcuWidth() + x, layout_.picture.width - 1);
+            std::array<int, 4> colour{};
+            for (size_t c = 0; c < channels_; ++c)
+                colour[c] = sampleAt(row, static_cast<size_t>(column) * channels_ + c, 2) ^ flip;
+            if (layout_.colours == ColourModel::Ycck)  // of the inverse of what a CMYK file holds
+                for (size_t c = 0; c < 3; ++c) colour[c] ^= flip;
+            const bool transformed = layout_.colours != ColourModel::Rgb && layout_.colours != ColourModel::Cmyk;
+            if (channels_ != 1 && transformed)
+                toYcbcr(colour, bits);
+            for (size_t c = 0; c < planes.size(); ++c)
+                planes[c][static_cast<size_t>(y * side + x)] = static_cast<uint16_t>(colour[c]);
+        }
+    }
+    for (size_t c = 0; c < static_cast<size_t>(layout_.components()); ++c) {
+        uint16_t* plane = planes[c].data();
+        VekSize size = {layout_.mcuWidth(), layout_.mcuHeight()};
+        const bool chroma = layout_.isChroma(c);
+        if (chroma && layout_.sampling != ChromaSampling::Full444) {
+            average(plane, side, size.width, size.height, size.height / 8);
+            size = {8, 8};
+        }
+        for (int y = 0; y < size.height; y += 8)
+            for (int x = 0; x < size.width; x += 8, blocks += blockSize)
+                expectOk(vekiDCTQuantFwd8x8LS_JPEG_16u16s_C1R(plane + y * side + x, side * 2, blocks,
+                                                              deepQuantizers_[chroma ? 1 : 0].data()),
+                         "DCT");
     }
 }
 

@@ -68,6 +68,7 @@ private:
 
     void transformWhole(const uint8_t* pixels, int step, int16_t* blocks) const;
     void transformByRows(const uint8_t* pixels, int step, int16_t* blocks) const;
+    void transformDeep(const PixelBand& band, int mcuColumn, int16_t* blocks) const;
     void transformInks(const uint8_t* pixels, int step, int16_t* blocks) const;
     void quantise(int16_t* blocks) const;
 
@@ -75,6 +76,7 @@ private:
     size_t channels_;
     alignas(64) Quantizer luminance_{};
     alignas(64) Quantizer chrominance_{};
+    std::array<std::array<float, 64>, 2> deepQuantizers_{};  // of luminance and chrominance, for 12-bit samples
 };
 
 }  // namespace vekpix::jpeg

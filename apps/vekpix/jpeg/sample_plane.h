@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <vector>
 
 #include "jpeg/band_source.h"
@@ -12,6 +13,8 @@
 
 namespace vekpix::jpeg {
 
+// Sample: uint8_t, or uint16_t for those of 12 bits.
+template <class Sample>
 class SamplePlane {
 public:
     // Holds `mcuRows` MCU rows: each takes the place of the one so many rows above it.
@@ -28,15 +31,15 @@ public:
     // True if a row of pixels may need samples of the MCU row below its own.
     bool looksDown() const { return growth_ == Growth::Smooth1x2 || growth_ == Growth::Smooth2x2; }
     // The samples of a row of pixels: in the plane or in `room`, which holds rowRoom() samples.
-    const uint8_t* pixelRow(int y, uint8_t* room) const;
+    const Sample* pixelRow(int y, Sample* room) const;
     size_t rowRoom() const;
 
 private:
     enum class Growth { None, Box, Smooth2x1, Smooth1x2, Smooth2x2 };
+    using Step = std::conditional_t<sizeof(Sample) == 1, uint16_t, float>;
 
-    uint8_t* at(int row) { return samples_.data() + static_cast<size_t>(row % ringRows_) * step_; }
     // Above and below the component, its first and last row.
-    const uint8_t* sampleRow(int row) const;
+    const Sample* sampleRow(int row) const;
     Growth growthFor(Upsampling upsampling) const;
 
     int horizontal_;
@@ -52,11 +55,14 @@ private:
     int samplesDown_;
     Growth growth_;
     int ringRows_;
-    size_t step_;
-    std::vector<uint8_t> samples_;
+    size_t step_;  // samples
+    std::vector<Sample> samples_;
     std::vector<int32_t> sampleOfPixel_;  // in a row, for replication
-    alignas(64) std::array<uint16_t, 64> quantTable_{};
+    alignas(64) std::array<Step, 64> quantTable_{};
 };
+
+extern template class SamplePlane<uint8_t>;
+extern template class SamplePlane<uint16_t>;
 
 }  // namespace vekpix::jpeg
 

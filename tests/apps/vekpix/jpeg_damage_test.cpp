@@ -195,10 +195,10 @@ TEST(JpegDamage, OtherProcessesAreRefusedByName)
     EXPECT_TRUE(fails(inserted(file, 2, {0xFF, 0xCC, 0, 2}), "arithmetic"));
 }
 
-TEST(JpegDamage, SixteenBitQuantisationTablesAreRefused)
+TEST(JpegDamage, QuantisationStepsAbove255AreRefused)
 {
     const Bytes file = smallFile();
-    EXPECT_TRUE(fails(with(file, find(file, vekpix::jpeg::DQT) + 4, 0x10), "16-bit quantisation tables"));
+    EXPECT_TRUE(fails(with(file, find(file, vekpix::jpeg::DQT) + 4, 0x10), "quantisation steps above 255"));
     EXPECT_TRUE(fails(with(file, find(file, vekpix::jpeg::DQT) + 5, 0), "quantisation step of 0"));
 }
 
