@@ -1,5 +1,6 @@
-"""Makes seeds/progressive_decode_fuzz from the progressive files in seeds/vekpix_decode_fuzz: of each scan its kind, its
-band, the first table that it uses, an empty state, four blocks, the entropy-coded segments. Not a part of any build."""
+"""Makes seeds/progressive_decode_fuzz from the progressive files in seeds/vekpix_decode_fuzz: of each scan its kind,
+its band, the first table that it uses, an empty state, four blocks, the entropy-coded segments. Not a part of any
+build."""
 import pathlib
 
 FOLDER = pathlib.Path(__file__).parent / "seeds"
