@@ -19,10 +19,12 @@ inline int bitsOf(uint32_t buffer, int numBits, int nBits)
     return static_cast<int>(aligned & ((1U << nBits) - 1));
 }
 
-// The value of an nBits-bit magnitude with its sign (ITU T.81, EXTEND).
+// The value of an nBits-bit magnitude, 1 to 15 bits, with its sign (ITU T.81, EXTEND). Signs are as good as random: no
+// branch on them.
 inline int extendMagnitude(int v, int nBits)
 {
-    return v >> (nBits - 1) == 0 ? v + own_jc_lowest_coef[static_cast<size_t>(nBits)] : v;
+    const int negative = (v >> (nBits - 1)) - 1;  // all ones if the top bit is clear, else 0
+    return v + (negative & own_jc_lowest_coef[static_cast<size_t>(nBits)]);
 }
 
 // A code length's last code as it takes part in a search: -1 where there is none.

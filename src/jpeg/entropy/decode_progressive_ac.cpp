@@ -50,6 +50,9 @@ VekStatus decodeFirst(AcBits& bits, int16_t* pBlock, const Band& band, const Vek
     return vekStsOk;
 }
 
+// `unit` with the sign of which -1 and 0 tell, without a branch: signs are as good as random.
+inline int withSign(int unit, int sign) { return (unit ^ sign) - sign; }
+
 // Corrects the coefficients at the given positions: each takes a bit, which if set moves it by one unit of the scan
 // away from zero, unless that bit of it is set already.
 [[gnu::always_inline]] inline VekStatus correct(AcBits& bits, int16_t* pBlock, uint64_t positions, int unit)
@@ -63,10 +66,9 @@ VekStatus decodeFirst(AcBits& bits, int16_t* pBlock, const Band& band, const Vek
         for (; positions != 0 && bits.count > 0; positions &= positions - 1) {
             int16_t* const p = pBlock + zigzagPositions[static_cast<size_t>(std::countr_zero(positions))];
             const int coefficient = loadScalar<int16_t>(p);
-            const int step = coefficient > 0 ? unit : -unit;
             --bits.count;
-            const bool moves = (bits.bits >> bits.count & 1) != 0 && (coefficient & unit) == 0;
-            storeScalar(p, static_cast<int16_t>(coefficient + (moves ? step : 0)));
+            const int moves = -static_cast<int>(bits.bits >> bits.count & 1) & (~coefficient & unit);  // unit or 0
+            storeScalar(p, static_cast<int16_t>(coefficient + withSign(moves, coefficient >> 31)));
         }
     }
     return vekStsOk;
@@ -107,7 +109,7 @@ VekStatus decodeRefine(AcBits& bits, int16_t* pBlock, const Band& band, const Ve
                 return status;
             if (isNew) {
                 const int k = zero == 0 ? band.last + 1 : std::countr_zero(zero);
-                storeScalar(at(pBlock, k), static_cast<int16_t>(value != 0 ? unit : -unit));
+                storeScalar(at(pBlock, k), static_cast<int16_t>(withSign(unit, value - 1)));
             }
             left = behind & (behind - 1);
         }
