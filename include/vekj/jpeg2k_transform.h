@@ -205,4 +205,148 @@ VEK_API VekStatus vekiWTInvColLift_B53_JPEG2K_32s_C1(const int32_t* pSrcLow0, co
                                                      int32_t* pDstOdd0, int32_t* pDstEven1, int width);
 /** @} */
 
+/** @name Irreversible 9/7 filter
+ *  ISO/IEC 15444-1, Annex F, in pieces, shaped as the 5/3 forms are: o are the samples at odd positions, e those at
+ *  even ones, o2 and e2 their next neighbours.
+ *
+ *      forward   1. o += a (e + e2)      2. e += b (o + o2)      3. o += c (e + e2)
+ *                4. low = (e + d (o + o2)) / K                   5. high = K o
+ *      inverse   1. e = K low - d / K (h + h2)                   2. o = h / K - c (e + e2)
+ *                3. e -= b (o + o2)                              4. o -= a (e + e2)
+ *
+ *  with a = -1.586134342, b = -0.052980118, c = 0.882911076, d = 0.443506852 and K = 1.230174105, in an arithmetic that
+ *  depends on the type and on the form, and in some forms on the place in the line:
+ *
+ *  | name     | arithmetic                                                                                          |
+ *  |----------|-----------------------------------------------------------------------------------------------------|
+ *  | separate | single precision, t + factor * (x + x2) rounded after each operation, then the scaling              |
+ *  | fused    | single precision, fma(factor, x + x2, t), then the scaling                                          |
+ *  | Q15      | 16 bits: m(x, c) = (x * c + 16384) >> 15, all sums saturate                                         |
+ *  | Q16      | t + ((c (x + x2) + 32768) >> 16) with a 64-bit product; low = (53274 e + 23627 (o + o2) + 32768)    |
+ *  |          | >> 16; 32 bits: sums of two samples and results wrap; 16 bits: every stage is clipped               |
+ *
+ *  | form          | interior | ends                                                                              |
+ *  |---------------|----------|-----------------------------------------------------------------------------------|
+ *  | row 16s       | Q15      | Q16                                                                               |
+ *  | row 32s       | Q16      | Q16                                                                               |
+ *  | row, col 32f  | separate | fused                                                                             |
+ *  | ColLift       | 16s: Q15, 32s: Q16, 32f: separate                                                            ||
+ *
+ *  The ends of a line of w pairs, w of 3 or more, are, of all the results that its outputs depend on, the first four
+ *  and the last one of stage 1, the first three and the last one of stage 2, the first two and the last one of stage 3,
+ *  the first one and the last one of stage 4; in the inverse filter as well. Of high samples, the last two with phase
+ *  0, the first and the last one otherwise. Shorter lines are all ends. A row of a single pair is not lifted: the forward
+ *  row forms then apply the nine and the seven taps of the filter,
+ *
+ *      low  = 0.602949 x0 + 0.26686412 x1 - 0.078223266 x2 - 0.01686412 x3 + 0.026748758 x4
+ *      high = 1.115087 x0 - 0.59127176 x1 - 0.057543527 x2 + 0.091271766 x3
+ *
+ *  where x0 is the sample at the band's position and xj the sum of the two that are j away: in 32f by fused
+ *  multiply-adds, the last product first; in 16s and 32s with taps in Q16, of which 16s rounds the sum (high is
+ *  clipped, low is clipped at 32767 only and cut below) and 32s each product.
+ *
+ *  No form extends a line at its ends, nothing needs alignment, and `phase` and the size of the region mean what they
+ *  mean in the 5/3 forms.
+ *
+ *  | form          | phase | reads                                         | gives                                   |
+ *  |---------------|-------|-----------------------------------------------|-----------------------------------------|
+ *  | forward, of w | 0     | x[-4] to x[2w + 2]                            | low[i] from x[2i], high[i] from x[2i+1] |
+ *  | forward, of w | other | x[-3] to x[2w + 3]                            | high[i] from x[2i], low[i] from x[2i+1] |
+ *  | inverse, of w | 0     | low[-1] to low[w + 1], high[-2] to high[w + 1] | x[2i] from low[i], x[2i+1] from high[i] |
+ *  | inverse, of w | other | low[-2] to low[w], high[-2] to high[w + 1]    | x[2i] from high[i], x[2i+1] from low[i] |
+ *
+ *  The row and column forms return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (one of
+ *  three), vekStsBadStep (one of three below 1), vekStsBadSize (a side below 1). Steps are in bytes.
+ *  @{ */
+
+/** Filters each row of 16-bit samples into its two bands. */
+VEK_API VekStatus vekiWTFwdRow_D97_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, int16_t* pDstLow, int dstLowStep,
+                                                  int16_t* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Puts each row of 16-bit samples together from its two bands. */
+VEK_API VekStatus vekiWTInvRow_D97_JPEG2K_16s_C1R(const int16_t* pSrcLow, int srcLowStep, const int16_t* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, int16_t* pDst, int dstStep,
+                                                  int phase);
+
+/** Filters each row of 32-bit samples into its two bands. */
+VEK_API VekStatus vekiWTFwdRow_D97_JPEG2K_32s_C1R(const int32_t* pSrc, int srcStep, int32_t* pDstLow, int dstLowStep,
+                                                  int32_t* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Puts each row of 32-bit samples together from its two bands. */
+VEK_API VekStatus vekiWTInvRow_D97_JPEG2K_32s_C1R(const int32_t* pSrcLow, int srcLowStep, const int32_t* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, int32_t* pDst, int dstStep,
+                                                  int phase);
+
+/** Filters each row of floating-point samples into its two bands. */
+VEK_API VekStatus vekiWTFwdRow_D97_JPEG2K_32f_C1R(const float* pSrc, int srcStep, float* pDstLow, int dstLowStep,
+                                                  float* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Puts each row of floating-point samples together from its two bands. */
+VEK_API VekStatus vekiWTInvRow_D97_JPEG2K_32f_C1R(const float* pSrcLow, int srcLowStep, const float* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, float* pDst, int dstStep,
+                                                  int phase);
+
+/** Filters each column of floating-point samples into its two bands. */
+VEK_API VekStatus vekiWTFwdCol_D97_JPEG2K_32f_C1R(const float* pSrc, int srcStep, float* pDstLow, int dstLowStep,
+                                                  float* pDstHigh, int dstHighStep, VekSize dstRoiSize, int phase);
+
+/** Puts each column of floating-point samples together from its two bands. */
+VEK_API VekStatus vekiWTInvCol_D97_JPEG2K_32f_C1R(const float* pSrcLow, int srcLowStep, const float* pSrcHigh,
+                                                  int srcHighStep, VekSize srcRoiSize, float* pDst, int dstStep,
+                                                  int phase);
+
+/** One vertical lifting step over rows of 16-bit samples, in Q15, for callers who feed columns row pair by row pair.
+ *
+ *      pDstHigh2    = stage 1 of pSrc1, with pSrc0 and pSrc2
+ *      pDstLow1     = stage 2 of pSrc0, with pSrcDstHigh1 and pDstHigh2
+ *      pSrcDstHigh1 = stage 3 of pSrcDstHigh1, with pSrcDstLow0 and pDstLow1
+ *      pSrcDstLow0  = stage 4 of pSrcDstLow0, with pSrcDstHigh0 and pSrcDstHigh1: finished
+ *      pSrcDstHigh0 = stage 5 of pSrcDstHigh0: finished
+ *
+ *  pDstLow1, pSrcDstHigh1 and pDstHigh2 are the next step's pSrcDstLow0, pSrcDstHigh0 and pSrcDstHigh1. A row that is
+ *  written may be one that is read.
+ *  @param pSrc0, pSrc1, pSrc2  an even row, the odd one below, the even one below that
+ *  @param width                samples in each row
+ *  @return vekStsOk, or with nothing written vekStsNullPointer (any), vekStsBadSize (width below 1) */
+VEK_API VekStatus vekiWTFwdColLift_D97_JPEG2K_16s_C1(const int16_t* pSrc0, const int16_t* pSrc1, const int16_t* pSrc2,
+                                                     int16_t* pSrcDstLow0, int16_t* pDstLow1, int16_t* pSrcDstHigh0,
+                                                     int16_t* pSrcDstHigh1, int16_t* pDstHigh2, int width);
+
+/** vekiWTFwdColLift_D97_JPEG2K_16s_C1() for 32-bit samples, in Q16. */
+VEK_API VekStatus vekiWTFwdColLift_D97_JPEG2K_32s_C1(const int32_t* pSrc0, const int32_t* pSrc1, const int32_t* pSrc2,
+                                                     int32_t* pSrcDstLow0, int32_t* pDstLow1, int32_t* pSrcDstHigh0,
+                                                     int32_t* pSrcDstHigh1, int32_t* pDstHigh2, int width);
+
+/** vekiWTFwdColLift_D97_JPEG2K_16s_C1() for floating-point samples, rounded separately. */
+VEK_API VekStatus vekiWTFwdColLift_D97_JPEG2K_32f_C1(const float* pSrc0, const float* pSrc1, const float* pSrc2,
+                                                     float* pSrcDstLow0, float* pDstLow1, float* pSrcDstHigh0,
+                                                     float* pSrcDstHigh1, float* pDstHigh2, int width);
+
+/** The inverse of one vertical lifting step over rows of 16-bit samples, in Q15.
+ *
+ *      pDst4    = inverse stage 1 of pSrcLow, with pSrcHigh0 and pSrcHigh1
+ *      pDst3    = inverse stage 2 of pSrcHigh0, with pSrcDst2 and pDst4
+ *      pSrcDst2 = inverse stage 3 of pSrcDst2, with pSrcDst1 and pDst3: finished
+ *      pSrcDst1 = inverse stage 4 of pSrcDst1, with pSrcDst0 and pSrcDst2: finished
+ *
+ *  pSrcDst2, pDst3 and pDst4 are the next step's pSrcDst0, pSrcDst1 and pSrcDst2; pSrcDst0 is only read. A row that is
+ *  written may be one that is read.
+ *  @param pSrcLow, pSrcHigh0, pSrcHigh1  a low row, and the high ones before and behind it
+ *  @param width                          samples in each row
+ *  @return vekStsOk, or with nothing written vekStsNullPointer (any), vekStsBadSize (width below 1) */
+VEK_API VekStatus vekiWTInvColLift_D97_JPEG2K_16s_C1(const int16_t* pSrcLow, const int16_t* pSrcHigh0,
+                                                     const int16_t* pSrcHigh1, int16_t* pSrcDst0, int16_t* pSrcDst1,
+                                                     int16_t* pSrcDst2, int16_t* pDst3, int16_t* pDst4, int width);
+
+/** vekiWTInvColLift_D97_JPEG2K_16s_C1() for 32-bit samples, in Q16. */
+VEK_API VekStatus vekiWTInvColLift_D97_JPEG2K_32s_C1(const int32_t* pSrcLow, const int32_t* pSrcHigh0,
+                                                     const int32_t* pSrcHigh1, int32_t* pSrcDst0, int32_t* pSrcDst1,
+                                                     int32_t* pSrcDst2, int32_t* pDst3, int32_t* pDst4, int width);
+
+/** vekiWTInvColLift_D97_JPEG2K_16s_C1() for floating-point samples, rounded separately. */
+VEK_API VekStatus vekiWTInvColLift_D97_JPEG2K_32f_C1(const float* pSrcLow, const float* pSrcHigh0,
+                                                     const float* pSrcHigh1, float* pSrcDst0, float* pSrcDst1,
+                                                     float* pSrcDst2, float* pDst3, float* pDst4, int width);
+/** @} */
+
 #endif

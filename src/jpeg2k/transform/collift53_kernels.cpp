@@ -12,7 +12,7 @@ void forwardStep(const T* pSrc0, const T* pSrc1, const T* pSrc2, T* pDstLow0, co
 {
     const bool singly =
         rowsCross<T>({pDstLow0, pDstHigh1}, {pSrc0, pSrc1, pSrc2, pSrcHigh0, pDstLow0, pDstHigh1}, width);
-    alongRows<T>(width, singly, [=](int i, int count) {
+    alongRows<T>(width, singly, [=](int i, auto count) {
         const __m256i even = loadLanes(pSrc0 + i, count);
         const __m256i before = loadLanes(pSrcHigh0 + i, count);
         const __m256i high = Lifting53<T>::detail(loadLanes(pSrc1 + i, count), even, loadLanes(pSrc2 + i, count));
@@ -27,7 +27,7 @@ void inverseStep(const T* pSrcLow0, const T* pSrcHigh0, const T* pSrcHigh1, cons
 {
     const bool singly =
         rowsCross<T>({pDstOdd0, pDstEven1}, {pSrcLow0, pSrcHigh0, pSrcHigh1, pSrcEven0, pDstOdd0, pDstEven1}, width);
-    alongRows<T>(width, singly, [=](int i, int count) {
+    alongRows<T>(width, singly, [=](int i, auto count) {
         const __m256i high = loadLanes(pSrcHigh0 + i, count);
         const __m256i evenBefore = loadLanes(pSrcEven0 + i, count);
         const __m256i even =

@@ -3,6 +3,7 @@
 #define VEK_JPEG2K_TRANSFORM_COLLIFT_ROWS_H
 
 #include <initializer_list>
+#include <type_traits>
 
 #include "jpeg2k/transform/lanes.h"
 
@@ -31,7 +32,7 @@ inline void alongRows(int width, bool singly, const Step& step)
         for (; i < width; ++i) step(i, 1);
         return;
     }
-    for (; i + lanes <= width; i += lanes) step(i, lanes);
+    for (; i + lanes <= width; i += lanes) step(i, std::integral_constant<int, lanes>{});
     if (i < width)
         step(i, width - i);
 }

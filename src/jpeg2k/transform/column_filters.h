@@ -4,6 +4,7 @@
 #define VEK_JPEG2K_TRANSFORM_COLUMN_FILTERS_H
 
 #include <algorithm>
+#include <type_traits>
 
 #include "jpeg2k/transform/lifting53.h"
 
@@ -29,9 +30,9 @@ inline void alongStrip(int width, const Step& step)
         step(i, width - i);
 }
 
-// Forward: step k reads even(k), odd(k) and even(k + 1), and gives low(k - lowLag) and high(k - highLag), in the numbers
-// of even and odd rows. Inverse: step k reads low(k) and high(k), and gives even(k - evenLag) and odd(k - oddLag).
-// Results count from step -lead on, `lead` steps before the first one wanted.
+// In the numbers of even and odd rows, step k of a forward filter reads even(k), odd(k) and even(k + 1), and gives
+// low(k - lowLag) and high(k - highLag); step k of an inverse filter reads low(k) and high(k), and gives
+// even(k - evenLag) and odd(k - oddLag). Results count from step -lead on, `lead` steps before the first one wanted.
 template <typename T>
 struct ColumnFilter53 {
     using Sample = T;
@@ -64,6 +65,90 @@ struct ColumnFilter53 {
             storeU(highBefore + i, h);
             storeU(evenBefore + i, e);
         });
+    }
+};
+
+// The 9/7 filter. Steps 2 to pairs - 1 of the forward filter and 3 to pairs of the inverse one are computed by Stages,
+// those at both ends by EndStages; a filter without ends is made with the same for both.
+template <typename T, typename Stages, typename EndStages = Stages>
+struct ColumnFilter97 {
+    using Sample = T;
+    using ForwardState = StripState<T, 3>;
+    using InverseState = StripState<T, 4>;
+    static constexpr int lead = 2, lowLag = 1, highLag = 2, evenLag = 1, oddLag = 2;
+    int pairs = 0;
+
+    void forward(ForwardState& state, int k, const T* even, const T* odd, const T* even2, T* low, T* high,
+                 int width) const
+    {
+        if (k >= 2 && k < pairs)
+            forwardBy<Stages>(state, even, odd, even2, low, high, width);
+        else
+            forwardBy<EndStages>(state, even, odd, even2, low, high, width);
+    }
+    void inverse(InverseState& state, int k, const T* low, const T* high, T* even, T* odd, int width) const
+    {
+        if (k >= 3 && k <= pairs)
+            inverseBy<Stages>(state, low, high, even, odd, width);
+        else
+            inverseBy<EndStages>(state, low, high, even, odd, width);
+    }
+
+private:
+    template <typename By>
+    static void forwardBy(ForwardState& state, const T* even, const T* odd, const T* even2, T* low, T* high, int width)
+    {
+        T* const odd1 = state.row[0];   // of step k - 1, after stage 1
+        T* const even1 = state.row[1];  // of step k - 1, after stage 2
+        T* const odd2 = state.row[2];   // of step k - 2, after stage 3
+        alongStrip<T>(width, [=](int i, auto count) {
+            const __m256i e = loadLanes(even + i, count);
+            const __m256i o1 = By::forward1(loadLanes(odd + i, count), e, loadLanes(even2 + i, count));
+            const __m256i e1 = By::forward2(e, loadU(odd1 + i), o1);
+            const __m256i o2Before = loadU(odd2 + i);
+            const __m256i o2 = By::forward3(loadU(odd1 + i), loadU(even1 + i), e1);
+            storeLanes(low + i, By::forward4(loadU(even1 + i), o2Before, o2), count);
+            storeLanes(high + i, By::forward5(o2Before), count);
+            storeU(odd1 + i, o1);
+            storeU(even1 + i, e1);
+            storeU(odd2 + i, o2);
+        });
+    }
+    template <typename By>
+    static void inverseBy(InverseState& state, const T* low, const T* high, T* even, T* odd, int width)
+    {
+        T* const highBefore = state.row[0];  // of step k - 1
+        T* const even1 = state.row[1];       // of step k - 1, after stage 1
+        T* const odd1 = state.row[2];        // of step k - 2, after stage 2
+        T* const even2 = state.row[3];       // of step k - 2, after stage 3
+        alongStrip<T>(width, [=](int i, auto count) {
+            __m256i l = loadLanes(low + i, count);
+            __m256i h = loadLanes(high + i, count);
+            if constexpr (!By::plainInverse) {
+                l = By::low(l);
+                h = By::high(h);
+            }
+            const __m256i h0 = loadU(highBefore + i);
+            const __m256i e1 = By::inverse1(l, h0, h);
+            const __m256i o1Before = loadU(odd1 + i);
+            const __m256i o1 = By::inverse2(h0, loadU(even1 + i), e1);
+            const __m256i e2 = By::inverse3(loadU(even1 + i), o1Before, o1);
+            const __m256i o2 = By::inverse4(o1Before, loadU(even2 + i), e2);
+            storeLanes(even + i, result<By>(e2), count);
+            storeLanes(odd + i, result<By>(o2), count);
+            storeU(highBefore + i, h);
+            storeU(even1 + i, e1);
+            storeU(odd1 + i, o1);
+            storeU(even2 + i, e2);
+        });
+    }
+    template <typename By>
+    static __m256i result(__m256i v)
+    {
+        if constexpr (By::plainInverse)
+            return v;
+        else
+            return By::sample(v);
     }
 };
 

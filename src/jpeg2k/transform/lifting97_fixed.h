@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "jpeg2k/transform/lanes.h"
+#include "jpeg2k/transform/lifting97_stages.h"
 
 namespace q3 {
 
@@ -19,7 +20,7 @@ namespace q3 {
 //                o = m(h, 26637) - m(e + e2, 28931)
 //                e = e + m(o + o2, 1736)
 //                o = o + m(t + t, 25987) with t = e + e2
-struct Q15Stages {
+struct Q15Stages : PlainInverse {
     static __m256i forward1(__m256i o, __m256i e, __m256i e2)
     {
         const __m256i s = sum(e, e2);
@@ -80,7 +81,7 @@ private:
 };
 
 // Of 32-bit samples the sums in brackets and the results wrap at 32 bits.
-struct Q16Stages {
+struct Q16Stages : PlainInverse {
     static __m256i forward1(__m256i o, __m256i e, __m256i e2)
     {
         return _mm256_add_epi32(o, rounded(sum(e, e2), -103949));

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "jpeg2k/transform/lanes.h"
+#include "jpeg2k/transform/lifting97_stages.h"
 
 namespace q3 {
 
@@ -59,7 +60,7 @@ struct FusedLift {
 //      inverse:  e = 1.2301741 low - 0.36052364 (h + h2),  o = 0.8128931 h - gamma (e + e2),
 //                e -= beta (o + o2),  o -= alpha (e + e2)
 template <typename Lift>
-struct FloatStages {
+struct FloatStages : PlainInverse {
     template <typename V>
     static V forward1(V o, V e, V e2)
     {

@@ -3,6 +3,7 @@
 #define VEK_JPEG2K_TRANSFORM_LINE_FILTERS_H
 
 #include "jpeg2k/transform/lifting53.h"
+#include "jpeg2k/transform/lifting97_stages.h"
 #include "jpeg2k/transform/line_pieces.h"
 
 namespace q3 {
@@ -31,10 +32,6 @@ struct LineFilter53 {
     }
 };
 
-// Stages of the 9/7 filter that take low and high samples as they are and give samples as they are.
-struct PlainInverse {
-    static constexpr bool plainInverse = true;
-};
 // No stage is computed in another arithmetic than the rest.
 struct NoEnds {};
 

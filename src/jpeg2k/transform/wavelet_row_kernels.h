@@ -12,6 +12,13 @@ void ownjc_WTFwd_B53_32s(const int32_t* x, int32_t* low, int32_t* high, int widt
 void ownjc_WTInv_B53_16s(const int16_t* low, const int16_t* high, int16_t* x, int width, int phase);
 void ownjc_WTInv_B53_32s(const int32_t* low, const int32_t* high, int32_t* x, int width, int phase);
 
+void ownjc_WTFwdRow_D97_16s(const int16_t* x, int16_t* low, int16_t* high, int width, int phase);
+void ownjc_WTInvRow_D97_16s_(const int16_t* low, const int16_t* high, int16_t* x, int width, int phase);
+void ownjc_WTFwdRow_D97_32s(const int32_t* x, int32_t* low, int32_t* high, int width, int phase);
+void ownjc_WTInvRow_D97_32s(const int32_t* low, const int32_t* high, int32_t* x, int width, int phase);
+void ownjc_WTFwd_D97_32f(const float* x, float* low, float* high, int width, int phase);
+void ownjc_WTInv_D97_32f_(const float* low, const float* high, float* x, int width, int phase);
+
 }  // namespace q3
 
 #endif
