@@ -12,7 +12,8 @@ inline int codeLength(uint32_t entry) { return static_cast<int>(entry >> 16); }
 inline int runOf(uint32_t entry) { return static_cast<int>(entry >> 4 & 15); }
 inline int sizeOf(uint32_t entry) { return static_cast<int>(entry & 15); }
 
-// Bits read ahead, oldest at bit 63; zeros follow the `count` of them.
+// `count` bits read ahead, the oldest at bit 63. Behind them may already lie some of those that come next, so that the
+// refill that brings them ORs what is there.
 struct Accumulator {
     uint64_t bits;
     int count;
@@ -44,11 +45,10 @@ struct RefillToEnd {
         const uint64_t next = loadBigEndian64(p);
         if (hasByteFF(next)) [[unlikely]]
             return refillBytewise(p, held);
-        const int bytes = (64 - ((held.count + 7) & ~7)) / 8;
-        const uint64_t taken = bytes == 8 ? next : next & ~(~uint64_t{0} >> (8 * bytes));
-        held.bits |= taken >> held.count;
-        held.count += 8 * bytes;
-        p += bytes;
+        const int taken = 64 - ((held.count + 7) & ~7);
+        held.bits |= next >> held.count;
+        held.count += taken;
+        p += taken / 8;
         return true;
     }
 };
@@ -67,7 +67,7 @@ struct RefillToMarker {
         if (hasByteFF(next)) [[unlikely]]
             return refillBytewise(p, held);
         const int taken = (32 - held.count) & ~7;
-        held.bits |= uint64_t{next >> (32 - taken)} << (64 - taken - held.count);
+        held.bits |= uint64_t{next} << 32 >> held.count;
         held.count += taken;
         p += taken / 8;
         return true;

@@ -183,13 +183,17 @@ TEST(HuffmanEncoder, EqualsItsModelOnRunsOfEveryLengthInLittleAndAmpleRoom)
             }
 }
 
+// Words of ones with a zero behind them.
+model::HuffmanLists nearlyOnes()
+{
+    return huffman::lists({1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1},
+                          {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 0, 15});
+}
+
 // Nearly every byte is 0xFF.
 TEST(HuffmanEncoder, EqualsItsModelOnBytesThatAreAllStuffedInEveryRoom)
 {
-    // The longest codes are fifteen ones and a zero.
-    const model::HuffmanLists ones = huffman::lists({1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1},
-                                                    {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 0, 15});
-    const Tables tables(ones, ones);
+    const Tables tables(nearlyOnes(), nearlyOnes());
     Block block;
     block.fill(32767);
     for (int room = 1; room <= 520; ++room) {
@@ -417,6 +421,28 @@ TEST(HuffmanEncoderDirect, EqualsItsModelAndKeepsToItsRoom)
         ASSERT_EQ(expectedBits, bits);
         ASSERT_EQ(expectedDc, dc);
         ASSERT_TRUE(std::equal(dst.begin(), dst.end(), expected.begin()));
+    }
+}
+
+TEST(HuffmanEncoderDirect, EqualsItsModelOnTheLongestBlockWithEveryByteStuffed)
+{
+    const Tables tables(nearlyOnes(), nearlyOnes());
+    Block block;
+    block.fill(32767);
+    for (int begin = 0; begin < 8; ++begin) {
+        std::vector<uint8_t> expected(1000, 0xFE);
+        int expectedBits = begin;
+        int16_t dc = 0;
+        model::encodeDirect(block, expected, expectedBits, dc, tables.modelEncodeDc, tables.modelEncodeAc);
+        EXPECT_LT(8 * 430, expectedBits);
+        GuardedArray<uint8_t> dst(static_cast<size_t>(expectedBits / 8 + 1));
+        dst[0] = 0xFE;
+        int bits = begin;
+        dc = 0;
+        EXPECT_EQ(vekStsOk, vekiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(block.data(), dst.data(), &bits, &dc,
+                                                                      &tables.encodeDc, &tables.encodeAc));
+        EXPECT_EQ(expectedBits, bits);
+        EXPECT_TRUE(std::equal(dst.begin(), dst.end(), expected.begin()));
     }
 }
 

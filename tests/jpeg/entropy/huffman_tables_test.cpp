@@ -17,6 +17,7 @@ void expectDecodeTable(const HuffmanLists& l)
     std::copy(l.bits.begin(), l.bits.end(), bits.begin());
     std::copy(l.vals.begin(), l.vals.end(), vals.begin());
     GuardedArray<VekDecodeHuffmanSpec> object(1);
+    std::memset(object.data(), 0xA5, sizeof(VekDecodeHuffmanSpec));
     model::DecodeTable expected;
     const VekStatus status = model::buildDecodeTable(l, expected);
     ASSERT_EQ(status, vekiDecodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), object.data()));
