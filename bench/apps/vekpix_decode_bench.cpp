@@ -20,7 +20,7 @@ constexpr int height = 4000;  // 24 megapixels
 
 enum Kind : int64_t { Grey, Yuv444, Yuv422, Yuv420, Yuv440 };
 
-std::vector<uint8_t> makeFile(int64_t kind, int quality, int restartRows)
+std::vector<uint8_t> makeFile(int64_t kind, int quality, int restartRows, bool progressive)
 {
     // One tile, repeated: detail and flat parts as a photograph has them, made quickly.
     const int channels = kind == Grey ? 1 : 3;
@@ -36,6 +36,7 @@ std::vector<uint8_t> makeFile(int64_t kind, int quality, int restartRows)
         }
     peer::WriteOptions options;
     options.quality = quality;
+    options.progressive = progressive;
     options.stored = kind == Grey ? peer::Stored::Grey : peer::Stored::YCbCr;
     const std::pair<int, int> luma = kind == Yuv422   ? std::pair(2, 1)
                                      : kind == Yuv420 ? std::pair(2, 2)
@@ -47,12 +48,12 @@ std::vector<uint8_t> makeFile(int64_t kind, int quality, int restartRows)
     return peer::write(picture, options);
 }
 
-const std::vector<uint8_t>& file(int64_t kind, int quality, int restartRows = 0)
+const std::vector<uint8_t>& file(int64_t kind, int quality, int restartRows = 0, bool progressive = false)
 {
-    static std::map<std::tuple<int64_t, int, int>, std::vector<uint8_t>> files;
-    std::vector<uint8_t>& made = files[{kind, quality, restartRows}];
+    static std::map<std::tuple<int64_t, int, int, bool>, std::vector<uint8_t>> files;
+    std::vector<uint8_t>& made = files[{kind, quality, restartRows, progressive}];
     if (made.empty())
-        made = makeFile(kind, quality, restartRows);
+        made = makeFile(kind, quality, restartRows, progressive);
     return made;
 }
 
@@ -87,9 +88,18 @@ static void BM_vekpix_decode_smooth(benchmark::State& state)
     decode(state, file(state.range(0), static_cast<int>(state.range(1))), {});
 }
 
-static void decodeByPeer(benchmark::State& state, bool smooth)
+const std::vector<uint8_t>& progressiveFile(const benchmark::State& state)
 {
-    const std::vector<uint8_t>& bytes = file(state.range(0), static_cast<int>(state.range(1)));
+    return file(state.range(0), static_cast<int>(state.range(1)), 0, true);
+}
+
+static void BM_vekpix_decode_progressive(benchmark::State& state)
+{
+    decode(state, progressiveFile(state), {1, 1, vekpix::jpeg::Upsampling::Box});
+}
+
+static void decodeByPeer(benchmark::State& state, const std::vector<uint8_t>& bytes, bool smooth)
+{
     const std::unique_ptr<uint8_t[]> pixels(new uint8_t[static_cast<size_t>(width) * height * 3]);
     for (auto _ : state) {
         jpeg_error_mgr errors;
@@ -114,9 +124,17 @@ static void decodeByPeer(benchmark::State& state, bool smooth)
     countPixels(state, bytes);
 }
 
-static void BM_peer_decode(benchmark::State& state) { decodeByPeer(state, false); }
+static void BM_peer_decode(benchmark::State& state)
+{
+    decodeByPeer(state, file(state.range(0), static_cast<int>(state.range(1))), false);
+}
 
-static void BM_peer_decode_smooth(benchmark::State& state) { decodeByPeer(state, true); }
+static void BM_peer_decode_smooth(benchmark::State& state)
+{
+    decodeByPeer(state, file(state.range(0), static_cast<int>(state.range(1))), true);
+}
+
+static void BM_peer_decode_progressive(benchmark::State& state) { decodeByPeer(state, progressiveFile(state), false); }
 
 static void BM_vekpix_decode_threads(benchmark::State& state)
 {
@@ -144,6 +162,14 @@ BENCHMARK(BM_vekpix_decode)->Apply(kindsAndQualities);
 BENCHMARK(BM_peer_decode)->Apply(kindsAndQualities);
 BENCHMARK(BM_vekpix_decode_smooth)->Apply(subsampledKinds);
 BENCHMARK(BM_peer_decode_smooth)->Apply(subsampledKinds);
+static void progressiveKinds(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgNames({"kind", "quality"})->Unit(benchmark::kMillisecond);
+    for (const int64_t kind : {Yuv420, Yuv444, Grey})
+        for (const int64_t quality : {75, 90}) bench->Args({kind, quality});
+}
+BENCHMARK(BM_vekpix_decode_progressive)->Apply(progressiveKinds);
+BENCHMARK(BM_peer_decode_progressive)->Apply(progressiveKinds);
 BENCHMARK(BM_vekpix_decode_threads)
     ->ArgNames({"threads", "restart_rows"})
     ->ArgsProduct({{1, 2}, {0, 1}})

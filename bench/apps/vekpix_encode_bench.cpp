@@ -87,7 +87,7 @@ static void BM_vekpix_encode(benchmark::State& state)
     encode(state, drawn(static_cast<int>(state.range(0)), channelsOf(state.range(1))), options);
 }
 
-static void BM_peer_encode(benchmark::State& state)
+static void encodeByPeer(benchmark::State& state, bool progressive)
 {
     const int64_t kind = state.range(1);
     const Raster& picture = drawn(static_cast<int>(state.range(0)), channelsOf(kind));
@@ -110,6 +110,8 @@ static void BM_peer_encode(benchmark::State& state)
         codec.optimize_coding = state.range(3) != 0 ? TRUE : FALSE;
         codec.comp_info[0].h_samp_factor = kind == Yuv422 || kind == Yuv420 ? 2 : 1;
         codec.comp_info[0].v_samp_factor = kind == Yuv420 ? 2 : 1;
+        if (progressive)
+            jpeg_simple_progression(&codec);
         jpeg_start_compress(&codec, TRUE);
         std::array<JSAMPROW, 16> rows;
         while (codec.next_scanline < codec.image_height) {
@@ -128,6 +130,19 @@ static void BM_peer_encode(benchmark::State& state)
     std::free(bytes);
 }
 
+static void BM_peer_encode(benchmark::State& state) { encodeByPeer(state, false); }
+
+static void BM_vekpix_encode_progressive(benchmark::State& state)
+{
+    EncodeOptions options;
+    options.sampling = samplingOf(state.range(1));
+    options.quality = static_cast<int>(state.range(2));
+    options.progressive = true;
+    encode(state, drawn(static_cast<int>(state.range(0)), channelsOf(state.range(1))), options);
+}
+
+static void BM_peer_encode_progressive(benchmark::State& state) { encodeByPeer(state, true); }
+
 static void BM_vekpix_encode_threads(benchmark::State& state)
 {
     EncodeOptions options;
@@ -145,6 +160,14 @@ static void sizesAndKinds(benchmark::internal::Benchmark* bench)
 }
 BENCHMARK(BM_vekpix_encode)->Apply(sizesAndKinds);
 BENCHMARK(BM_peer_encode)->Apply(sizesAndKinds);
+static void progressiveKinds(benchmark::internal::Benchmark* bench)
+{
+    bench->ArgNames({"width", "kind", "quality", "optimize"})->Unit(benchmark::kMillisecond);
+    for (const int64_t kind : {Yuv420, Yuv444, Grey})
+        for (const int64_t quality : {75, 90}) bench->Args({large, kind, quality, 1});
+}
+BENCHMARK(BM_vekpix_encode_progressive)->Apply(progressiveKinds);
+BENCHMARK(BM_peer_encode_progressive)->Apply(progressiveKinds);
 BENCHMARK(BM_vekpix_encode_threads)
     ->ArgNames({"threads", "restart"})
     ->ArgsProduct({{1, 2}, {0, 375}})

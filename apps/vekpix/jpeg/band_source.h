@@ -30,7 +30,8 @@ std::unique_ptr<BandSource> makeMcuBands(const Picture& picture, const DecodeOpt
 // Every picture: planes of samples of each component, a band high.
 std::unique_ptr<BandSource> makePlaneBands(const Picture& picture, const DecodeOptions& options);
 
-// A progressive picture: all its coefficients first, which takes the time of the first band, then their bands.
+// A progressive picture. One thread reads all scans side by side; several read all coefficients first, which takes the
+// time of the first band.
 std::unique_ptr<BandSource> makeProgressiveBands(const Picture& picture, const DecodeOptions& options);
 
 }  // namespace vekpix::jpeg

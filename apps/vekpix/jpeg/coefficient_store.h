@@ -1,4 +1,4 @@
-// The quantised coefficients of a whole picture, for files that tell them in several scans.
+// The quantised coefficients of a picture, for files that tell them in several scans.
 #ifndef VEKPIX_JPEG_COEFFICIENT_STORE_H
 #define VEKPIX_JPEG_COEFFICIENT_STORE_H
 
@@ -23,17 +23,24 @@ public:
         int blocksHigh = 0;
         int columns = 0;  // in whole MCUs
         int rows = 0;
+        int firstRow = 0;  // that the store holds
         int16_t* blocks = nullptr;
 
         int16_t* block(int column, int row) const
         {
             return blocks +
-                   (static_cast<size_t>(row) * static_cast<size_t>(columns) + static_cast<size_t>(column)) * 64;
+                   (static_cast<size_t>(row - firstRow) * static_cast<size_t>(columns) + static_cast<size_t>(column)) *
+                       64;
         }
     };
 
-    // All coefficients are 0. Memory that is never written to costs nothing.
-    explicit CoefficientStore(const Frame& frame);
+    // Of the whole picture, or of that many rows of MCUs from the top. All coefficients are 0. Memory that is never
+    // written to costs nothing.
+    explicit CoefficientStore(const Frame& frame) : CoefficientStore(frame, frame.mcuRows()) {}
+    CoefficientStore(const Frame& frame, int mcuRowsHeld);
+
+    // The store now holds rows of MCUs from here on, and all coefficients are 0.
+    void moveTo(int mcuRow);
 
     int mcusPerRow() const { return mcusPerRow_; }
     int mcuRows() const { return mcuRows_; }
@@ -46,6 +53,7 @@ private:
 
     int mcusPerRow_;
     int mcuRows_;
+    size_t count_ = 0;  // of coefficients
     std::vector<Component> components_;
     std::unique_ptr<void, Freer> memory_;
 };

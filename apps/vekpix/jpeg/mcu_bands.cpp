@@ -118,7 +118,7 @@ private:
 
     std::array<std::vector<Block>, 2> groups_;  // coefficients of a group of MCU rows and of the next one
 
-    std::shared_ptr<const CoefficientStore> stored_;
+    std::shared_ptr<StoredRows> stored_;
     Scan scan_;                            // if they are not stored
     std::optional<EntropyReader> reader_;  // of it
     std::optional<Crew> crew_;             // if there are several threads
@@ -220,10 +220,11 @@ void McuBands::readStored(uint8_t* pixels, size_t step, int rows)
 
 void McuBands::readStoredRow(int mcuRow, uint8_t* pixels, size_t step, int rows)
 {
+    const CoefficientStore& store = stored_->row(mcuRow);
     alignas(64) int16_t mcu[mostBlocks * 64];
     for (int mcuColumn = 0; mcuColumn < mcusPerRow_; ++mcuColumn) {
         int16_t* to = mcu;
-        for (const CoefficientStore::Component& c : stored_->components())
+        for (const CoefficientStore::Component& c : store.components())
             for (int y = 0; y < c.vertical; ++y) {
                 const size_t count = static_cast<size_t>(c.horizontal) * 64;
                 std::memcpy(to, c.block(mcuColumn * c.horizontal, mcuRow * c.vertical + y), count * sizeof(int16_t));

@@ -6,12 +6,31 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "jpeg/coefficient_store.h"
 #include "jpeg/marker_reader.h"
 
 namespace vekpix::jpeg {
+
+// Coefficients that bands of pixels are made from.
+class StoredRows {
+public:
+    virtual ~StoredRows() = default;
+    // A store that holds this row of MCUs.
+    virtual const CoefficientStore& row(int mcuRow) = 0;
+};
+
+// Those of a whole picture.
+class WholeStore final : public StoredRows {
+public:
+    explicit WholeStore(std::shared_ptr<const CoefficientStore> store) : store_(std::move(store)) {}
+    const CoefficientStore& row(int) override { return *store_; }
+
+private:
+    std::shared_ptr<const CoefficientStore> store_;
+};
 
 // Everything that the headers tell about a picture.
 struct Picture {
@@ -20,7 +39,7 @@ struct Picture {
     ColourModel colours = ColourModel::Grey;
     bool inverted = false;  // four components as Adobe's programs write them: 255 is no ink
     std::vector<Scan> scans;
-    std::shared_ptr<const CoefficientStore> stored;  // if bands are to be made from it, not from the scans
+    std::shared_ptr<StoredRows> stored;  // if bands are to be made from it, not from the scans
 
     int mcusPerRow() const { return frame.mcusPerRow(); }
     int mcuRows() const { return frame.mcuRows(); }

@@ -53,7 +53,7 @@ private:
     int nextMcuRow_ = 0;    // to be read
     int mcuRowsAhead_ = 0;  // that a band needs below its own
     std::vector<SamplePlane<Sample>> planes_;
-    std::shared_ptr<const CoefficientStore> stored_;
+    std::shared_ptr<StoredRows> stored_;
     std::vector<ScanInProgress> scans_;  // if they are not stored
     std::optional<Crew> crew_;           // if there are several threads
 };
@@ -123,9 +123,10 @@ void PlaneBands<Sample>::readMcuRowsUpTo(int end)
 template <class Sample>
 void PlaneBands<Sample>::readStoredRow(int mcuRow)
 {
+    const CoefficientStore& store = stored_->row(mcuRow);
     for (size_t i = 0; i < planes_.size(); ++i) {
         SamplePlane<Sample>& plane = planes_[i];
-        const CoefficientStore::Component& component = stored_->components()[i];
+        const CoefficientStore::Component& component = store.components()[i];
         const int begin = mcuRow * component.vertical;
         const int end = std::min(begin + component.vertical, component.blocksHigh);
         for (int y = begin; y < end; ++y)

@@ -5,6 +5,13 @@ namespace vekpix::jpeg {
 
 namespace {
 
+std::unique_ptr<BandSource> makeBands(const Picture& picture, const DecodeOptions& options)
+{
+    std::unique_ptr<BandSource> bands = makeMcuBands(picture, options);
+    return bands ? std::move(bands) : makePlaneBands(picture, options);
+}
+
+// Several threads share the scans, each of which goes through the whole picture, before the first band.
 class ProgressiveBands final : public BandSource {
 public:
     ProgressiveBands(Picture picture, const DecodeOptions& options)
@@ -12,10 +19,8 @@ public:
           threads_(options.threads),
           store_(std::make_shared<CoefficientStore>(picture_.frame))
     {
-        picture_.stored = store_;
-        bands_ = makeMcuBands(picture_, options);
-        if (!bands_)
-            bands_ = makePlaneBands(picture_, options);
+        picture_.stored = std::make_shared<WholeStore>(store_);
+        bands_ = makeBands(picture_, options);
     }
 
     int bandRows() const override { return bands_->bandRows(); }
@@ -41,7 +46,11 @@ private:
 
 std::unique_ptr<BandSource> makeProgressiveBands(const Picture& picture, const DecodeOptions& options)
 {
-    return std::make_unique<ProgressiveBands>(picture, options);
+    if (options.threads > 1)
+        return std::make_unique<ProgressiveBands>(picture, options);
+    Picture inRows = picture;
+    inRows.stored = readScansAbreast(picture);
+    return makeBands(inRows, options);
 }
 
 }  // namespace vekpix::jpeg

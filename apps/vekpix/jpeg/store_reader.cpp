@@ -10,36 +10,77 @@ namespace vekpix::jpeg {
 
 namespace {
 
+class ScanReader {
+public:
+    ScanReader(std::span<const uint8_t> file, const Scan& scan)
+        : reader_(file, scan.dataBegin, scan.restartInterval),
+          begin_(scan.spectralBegin),
+          end_(scan.spectralEnd),
+          high_(scan.high),
+          low_(scan.low)
+    {
+        for (const ScanComponent& component : scan.components) {
+            dc_[components_.size()] = component.dcTable ? component.dcTable->decoderTable() : nullptr;
+            ac_[components_.size()] = component.acTable ? component.acTable->decoderTable() : nullptr;
+            components_.push_back(static_cast<size_t>(component.index));
+        }
+    }
+
+    // The next row of MCUs of the picture: rows come in their order.
+    void readRow(const CoefficientStore& store, int mcuRow)
+    {
+        const auto read = [&](const auto& readBlock) {
+            walkRow(
+                store, components_, mcuRow, [&] { reader_.beginMcu(); }, readBlock);
+        };
+        if (begin_ == 0 && end_ != 0)
+            read([&](int16_t* block, size_t slot) { reader_.readBlock(block, slot, dc_[slot], ac_[slot]); });
+        else if (begin_ == 0 && high_ == 0)
+            read([&](int16_t* block, size_t slot) { reader_.readDcFirst(block, slot, low_, dc_[slot]); });
+        else if (begin_ == 0)
+            read([&](int16_t* block, size_t) { reader_.refineDc(block, low_); });
+        else if (high_ == 0)
+            read([&](int16_t* block, size_t) { reader_.readAcFirst(block, begin_, end_, low_, ac_[0]); });
+        else
+            read([&](int16_t* block, size_t) { reader_.refineAc(block, begin_, end_, low_, ac_[0]); });
+    }
+
+private:
+    EntropyReader reader_;
+    int begin_;
+    int end_;
+    int high_;
+    int low_;
+    std::vector<size_t> components_;
+    std::array<const VekDecodeHuffmanSpec*, maxComponents> dc_{};
+    std::array<const VekDecodeHuffmanSpec*, maxComponents> ac_{};
+};
+
 void readScan(std::span<const uint8_t> file, const Scan& scan, const CoefficientStore& store)
 {
-    EntropyReader reader(file, scan.dataBegin, scan.restartInterval);
-    std::vector<size_t> components;
-    std::array<const VekDecodeHuffmanSpec*, maxComponents> dc{};
-    std::array<const VekDecodeHuffmanSpec*, maxComponents> ac{};
-    for (size_t slot = 0; slot < scan.components.size(); ++slot) {
-        const ScanComponent& component = scan.components[slot];
-        components.push_back(static_cast<size_t>(component.index));
-        dc[slot] = component.dcTable ? component.dcTable->decoderTable() : nullptr;
-        ac[slot] = component.acTable ? component.acTable->decoderTable() : nullptr;
-    }
-    const int begin = scan.spectralBegin;
-    const int end = scan.spectralEnd;
-    const int low = scan.low;
-    const auto read = [&](const auto& readBlock) {
-        walkScan(
-            store, components, [&] { reader.beginMcu(); }, readBlock);
-    };
-    if (begin == 0 && end != 0)
-        read([&](int16_t* block, size_t slot) { reader.readBlock(block, slot, dc[slot], ac[slot]); });
-    else if (begin == 0 && scan.high == 0)
-        read([&](int16_t* block, size_t slot) { reader.readDcFirst(block, slot, low, dc[slot]); });
-    else if (begin == 0)
-        read([&](int16_t* block, size_t) { reader.refineDc(block, low); });
-    else if (scan.high == 0)
-        read([&](int16_t* block, size_t) { reader.readAcFirst(block, begin, end, low, ac[0]); });
-    else
-        read([&](int16_t* block, size_t) { reader.refineAc(block, begin, end, low, ac[0]); });
+    ScanReader reader(file, scan);
+    for (int row = 0; row < store.mcuRows(); ++row) reader.readRow(store, row);
 }
+
+class ScansAbreast final : public StoredRows {
+public:
+    explicit ScansAbreast(const Picture& picture) : store_(picture.frame, 1), scans_(picture.scans)
+    {
+        for (const Scan& scan : scans_) readers_.emplace_back(picture.file, scan);
+    }
+
+    const CoefficientStore& row(int mcuRow) override
+    {
+        store_.moveTo(mcuRow);
+        for (ScanReader& reader : readers_) reader.readRow(store_, mcuRow);
+        return store_;
+    }
+
+private:
+    CoefficientStore store_;
+    std::vector<Scan> scans_;  // whose tables the readers use
+    std::vector<ScanReader> readers_;
+};
 
 }  // namespace
 
@@ -65,5 +106,7 @@ void readScans(std::span<const uint8_t> file, const std::vector<Scan>& scans, Co
     }
     readChains();
 }
+
+std::unique_ptr<StoredRows> readScansAbreast(const Picture& picture) { return std::make_unique<ScansAbreast>(picture); }
 
 }  // namespace vekpix::jpeg

@@ -215,16 +215,17 @@ void codeScan(const CoefficientStore& store, const ScanPlan& plan, int restartIn
 {
     int mcusLeft = restartInterval == 0 ? -1 : restartInterval;
     int interval = 0;
-    walkScan(
-        store, plan.components,
-        [&] {
-            if (mcusLeft == 0) {
-                endInterval(interval++);
-                mcusLeft = restartInterval;
-            }
-            --mcusLeft;
-        },
-        [&](const int16_t* block, size_t slot) { coder.code(block, slot); });
+    for (int row = 0; row < store.mcuRows(); ++row)
+        walkRow(
+            store, plan.components, row,
+            [&] {
+                if (mcusLeft == 0) {
+                    endInterval(interval++);
+                    mcusLeft = restartInterval;
+                }
+                --mcusLeft;
+            },
+            [&](const int16_t* block, size_t slot) { coder.code(block, slot); });
 }
 
 }  // namespace

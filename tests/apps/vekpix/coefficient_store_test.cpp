@@ -43,7 +43,7 @@ vekpix::jpeg::Picture stored(const std::vector<uint8_t>& file)
                               store->components()[i].block(column, static_cast<int>(b) / from.blocksWide));
         }
     }
-    picture.stored = store;
+    picture.stored = std::make_shared<vekpix::jpeg::WholeStore>(store);
     return picture;
 }
 
