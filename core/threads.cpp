@@ -19,4 +19,9 @@ int availableProcessors()
 
 }  // namespace
 
-int32_t ownGetNumThreads() { return std::max(1, std::min(omp_get_max_threads(), availableProcessors())); }
+// Asks the system only if OpenMP would take more than one thread: most calls of a program that wants one are short.
+int32_t ownGetNumThreads()
+{
+    const int wanted = omp_get_max_threads();
+    return wanted <= 1 ? 1 : std::max(1, std::min(wanted, availableProcessors()));
+}

@@ -21,7 +21,7 @@ inline void forEachRow(VekSize roiSize, const Row& row)
     const int numThreads = std::max(ownGetNumThreads(), 1);
     const auto samples =
         static_cast<int32_t>(static_cast<uint32_t>(roiSize.width) * static_cast<uint32_t>(roiSize.height));
-    if (samples <= parallelThreshold) {
+    if (samples <= parallelThreshold || numThreads <= 1) {
         for (int y = 0; y < roiSize.height; ++y) row(y);
         return;
     }
