@@ -52,11 +52,17 @@ void jsimd_fdct_float_sse(float* workspace);
 void jsimd_quantize_float_sse2(int16_t* coefficients, const float* divisors, const float* workspace);
 void jsimd_idct_float_sse2(const float* steps, const int16_t* coefficients, Rows output, unsigned firstColumn);
 
-// Colour. `rgb` has 3 bytes for each pixel; planes are indexed from `firstRow` on.
+// Colour. Pixels have 3 bytes, those of an `x` in the name 4; planes are indexed from `firstRow` on.
 void jsimd_rgb_ycc_convert_avx2(unsigned width, Rows rgb, PlaneRows planes, unsigned firstRow, int rows);
 void jsimd_extbgr_ycc_convert_avx2(unsigned width, Rows bgr, PlaneRows planes, unsigned firstRow, int rows);
+void jsimd_extrgbx_ycc_convert_avx2(unsigned width, Rows rgbx, PlaneRows planes, unsigned firstRow, int rows);
+void jsimd_extbgrx_ycc_convert_avx2(unsigned width, Rows bgrx, PlaneRows planes, unsigned firstRow, int rows);
+void jsimd_rgb_gray_convert_avx2(unsigned width, Rows rgb, PlaneRows luma, unsigned firstRow, int rows);
+void jsimd_extbgr_gray_convert_avx2(unsigned width, Rows bgr, PlaneRows luma, unsigned firstRow, int rows);
 void jsimd_ycc_rgb_convert_avx2(unsigned width, PlaneRows planes, unsigned firstRow, Rows rgb, int rows);
 void jsimd_ycc_extbgr_convert_avx2(unsigned width, PlaneRows planes, unsigned firstRow, Rows bgr, int rows);
+void jsimd_ycc_extrgbx_convert_avx2(unsigned width, PlaneRows planes, unsigned firstRow, Rows rgbx, int rows);
+void jsimd_ycc_extbgrx_convert_avx2(unsigned width, PlaneRows planes, unsigned firstRow, Rows bgrx, int rows);
 
 // Chroma sampling. Down: `blocks` of 8 outputs in a row, `outputRows` rows, from `inputRows` rows (which the kernel
 // extends to the right up to whole blocks). Up: `inputRows` is the number of output rows.
@@ -71,7 +77,13 @@ void jsimd_h2v2_fancy_upsample_avx2(int outputRows, unsigned inputWidth, Rows in
 
 // Up-sampling and colour in one: one row of pixels (h2v1) or two (h2v2) from one row of chroma.
 void jsimd_h2v1_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows rgb);
+void jsimd_h2v1_extbgr_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows bgr);
+void jsimd_h2v1_extrgbx_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows rgbx);
+void jsimd_h2v1_extbgrx_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows bgrx);
 void jsimd_h2v2_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows rgb);
+void jsimd_h2v2_extbgr_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows bgr);
+void jsimd_h2v2_extrgbx_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows rgbx);
+void jsimd_h2v2_extbgrx_merged_upsample_avx2(unsigned width, PlaneRows planes, unsigned rowGroup, Rows bgrx);
 
 // Codes one block with byte stuffing and returns the end of what it wrote; 512 bytes of room are enough for any block.
 uint8_t* jsimd_huff_encode_one_block_sse2(HuffmanState* state, uint8_t* buffer, const int16_t* block, int lastDc,
