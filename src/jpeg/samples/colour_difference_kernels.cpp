@@ -68,13 +68,6 @@ inline void storePixel(Destination<Planes> dst, int x, Pixel p)
 inline uint8_t complement(uint8_t x) { return static_cast<uint8_t>(255 - x); }
 inline Pixel complementPixel(uint8_t c, uint8_t m, uint8_t y) { return {complement(c), complement(m), complement(y)}; }
 
-// Byte 3 of 32 pixels of 4 bytes
-inline __m256i fourthChannel(const uint8_t* p)
-{
-    const auto high = [&](int i) { return _mm256_srli_epi32(loadLanes(p + 16 * i, p + 64 + 16 * i), 24); };
-    return _mm256_packus_epi16(_mm256_packus_epi32(high(0), high(1)), _mm256_packus_epi32(high(2), high(3)));
-}
-
 // 8 pixels of luma in single precision, as 32-bit integers
 inline __m256i lumaFloat(__m128i r, __m128i g, __m128i b)
 {
@@ -123,8 +116,9 @@ void ownjc_CMYKToYCCK_JPEG_8u_C4P4(Source<1, 4> src, Destination<4> dst, int wid
     forEachBlock(
         split,
         [](Source<1, 4> s, Destination<4> d) {
-            store(d, convert(complement(loadC4<Order::RGB>(s[0]))));
-            storeU(d[3], fourthChannel(s[0]));
+            const Channels4 x = loadChannels4(s[0]);
+            store(d, convert(complement(Rgb{x.c0, x.c1, x.c2})));
+            storeU(d[3], x.c3);
         },
         src, dst);
     for (int x = split; x < width; ++x) {

@@ -110,7 +110,7 @@ inline Words channel(const Block& x, MatrixRow row)
 inline __m256i packCentred(Words w) { return _mm256_xor_si256(_mm256_packs_epi16(w.lo, w.hi), _mm256_set1_epi8(-128)); }
 
 template <const Matrix& matrix, typename QuadSource>
-inline void storeYCbCr(QuadSource src, Destination<3> dst)
+[[gnu::always_inline]] inline void storeYCbCr(QuadSource src, Destination<3> dst)
 {
     const Block x = loadBlock(src);
     storeU(dst[0], packClipped(channel<matrix.shift>(x, matrix.y)));

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "frame/vec.h"
 
@@ -23,9 +24,10 @@ struct Columns {
     Byte* operator[](int plane) const { return p[static_cast<size_t>(plane)]; }
     Columns at(int column) const
     {
-        Columns moved = *this;
-        for (Byte*& plane : moved.p) plane += int64_t{column / ColumnsPerSample} * PixelBytes;
-        return moved;
+        // Not a loop: the pointers have to stay in registers.
+        const int64_t bytes = int64_t{column / ColumnsPerSample} * PixelBytes;
+        return [&]<size_t... I>(std::index_sequence<I...>) { return Columns{{(p[I] + bytes)...}}; }
+        (std::make_index_sequence<Planes>());
     }
     static constexpr size_t bytesOf(int columns)
     {

@@ -39,6 +39,12 @@ inline __m256i loadLanes(const uint8_t* low, const uint8_t* high)
     return _mm256_inserti128_si256(_mm256_castsi128_si256(loadU128(low)), loadU128(high), 1);
 }
 
+inline void storeLanes(uint8_t* low, uint8_t* high, __m256i v)
+{
+    storeU128(low, _mm256_castsi256_si128(v));
+    storeU128(high, _mm256_extracti128_si256(v, 1));
+}
+
 using ByteShuffle = std::array<int8_t, 16>;
 inline __m256i shuffle(__m256i bytes, const ByteShuffle& shuffle)
 {
@@ -91,17 +97,16 @@ inline void storeC3(uint8_t* p, Rgb x)
     const auto chunk = [&](size_t i) {
         return or3(shuffle(first, scatter3[i][0]), shuffle(x.g, scatter3[i][1]), shuffle(third, scatter3[i][2]));
     };
-    const __m256i a = chunk(0);
-    const __m256i b = chunk(1);
-    const __m256i c = chunk(2);
-    storeU(p, _mm256_permute2x128_si256(a, b, 0x20));
-    storeU(p + 32, _mm256_blend_epi32(c, a, 0xF0));
-    storeU(p + 64, _mm256_permute2x128_si256(b, c, 0x31));
+    storeLanes(p, p + 48, chunk(0));
+    storeLanes(p + 16, p + 64, chunk(1));
+    storeLanes(p + 32, p + 80, chunk(2));
 }
 
-// 32 interleaved pixels of 4 bytes; the fourth is not looked at.
-template <Order order>
-inline Rgb loadC4(const uint8_t* p)
+// 32 interleaved pixels of 4 bytes
+struct Channels4 {
+    __m256i c0, c1, c2, c3;
+};
+inline Channels4 loadChannels4(const uint8_t* p)
 {
     constexpr ByteShuffle byChannel = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
     const auto quads = [&](int i) { return shuffle(loadLanes(p + 16 * i, p + 64 + 16 * i), byChannel); };
@@ -111,10 +116,16 @@ inline Rgb loadC4(const uint8_t* p)
     const __m256i q3 = quads(3);
     const __m256i low01 = _mm256_unpacklo_epi32(q0, q1);
     const __m256i low23 = _mm256_unpacklo_epi32(q2, q3);
-    const __m256i first = _mm256_unpacklo_epi64(low01, low23);
-    const __m256i second = _mm256_unpackhi_epi64(low01, low23);
-    const __m256i third = _mm256_unpacklo_epi64(_mm256_unpackhi_epi32(q0, q1), _mm256_unpackhi_epi32(q2, q3));
-    return order == Order::RGB ? Rgb{first, second, third} : Rgb{third, second, first};
+    const __m256i high01 = _mm256_unpackhi_epi32(q0, q1);
+    const __m256i high23 = _mm256_unpackhi_epi32(q2, q3);
+    return {_mm256_unpacklo_epi64(low01, low23), _mm256_unpackhi_epi64(low01, low23),
+            _mm256_unpacklo_epi64(high01, high23), _mm256_unpackhi_epi64(high01, high23)};
+}
+template <Order order>
+inline Rgb loadC4(const uint8_t* p)
+{
+    const Channels4 x = loadChannels4(p);
+    return order == Order::RGB ? Rgb{x.c0, x.c1, x.c2} : Rgb{x.c2, x.c1, x.c0};
 }
 
 // The channels c0 to c3 of 32 pixels of 4 bytes
@@ -124,14 +135,10 @@ inline void storeChannels4(uint8_t* p, __m256i c0, __m256i c1, __m256i c2, __m25
     const __m256i high01 = _mm256_unpackhi_epi8(c0, c1);
     const __m256i low23 = _mm256_unpacklo_epi8(c2, c3);
     const __m256i high23 = _mm256_unpackhi_epi8(c2, c3);
-    const __m256i a = _mm256_unpacklo_epi16(low01, low23);  // pixels 0-3 | 16-19
-    const __m256i b = _mm256_unpackhi_epi16(low01, low23);
-    const __m256i c = _mm256_unpacklo_epi16(high01, high23);
-    const __m256i d = _mm256_unpackhi_epi16(high01, high23);
-    storeU(p, _mm256_permute2x128_si256(a, b, 0x20));
-    storeU(p + 32, _mm256_permute2x128_si256(c, d, 0x20));
-    storeU(p + 64, _mm256_permute2x128_si256(a, b, 0x31));
-    storeU(p + 96, _mm256_permute2x128_si256(c, d, 0x31));
+    storeLanes(p, p + 64, _mm256_unpacklo_epi16(low01, low23));  // pixels 0-3 | 16-19
+    storeLanes(p + 16, p + 80, _mm256_unpackhi_epi16(low01, low23));
+    storeLanes(p + 32, p + 96, _mm256_unpacklo_epi16(high01, high23));
+    storeLanes(p + 48, p + 112, _mm256_unpackhi_epi16(high01, high23));
 }
 template <Order order>
 inline void storeC4(uint8_t* p, Rgb x, __m256i fourth)
@@ -156,10 +163,8 @@ inline void storePacked(uint8_t* p, Rgb x)
         return or3(_mm256_srli_epi16(a, 3), _mm256_slli_epi16(_mm256_and_si256(g, topGreen), greenBits<fields> - 3),
                    _mm256_slli_epi16(_mm256_and_si256(c, topFive), greenBits<fields> + 2));
     };
-    const __m256i lo = pack(first.lo, green.lo, third.lo);
-    const __m256i hi = pack(first.hi, green.hi, third.hi);
-    storeU(p, _mm256_permute2x128_si256(lo, hi, 0x20));
-    storeU(p + 32, _mm256_permute2x128_si256(lo, hi, 0x31));
+    storeLanes(p, p + 32, pack(first.lo, green.lo, third.lo));
+    storeLanes(p + 16, p + 48, pack(first.hi, green.hi, third.hi));
 }
 
 }  // namespace q3

@@ -7,46 +7,75 @@ namespace {
 // Sums of horizontal pairs of 32 samples, 16 bits each.
 inline __m256i pairSums(const uint8_t* p) { return _mm256_maddubs_epi16(loadU(p), _mm256_set1_epi8(1)); }
 
+// (x + bias) >> shift of 16 sums, the bias being half the divisor or one less, Even and Odd by lane: a rounded product
+// with 2^(15 - shift), or one less. It is exact for sums up to that factor.
+template <int Even, int Odd, int Shift>
+inline __m256i mean(__m256i sums)
+{
+    constexpr int half = 1 << (Shift - 1);
+    static_assert(Even <= half && Even >= half - 1 && Odd <= half && Odd >= half - 1);
+    constexpr int factor = 1 << (15 - Shift);
+    return _mm256_mulhrs_epi16(sums, _mm256_set1_epi32((factor - half + Even) | (factor - half + Odd) << 16));
+}
+
 // One row: dst(j) = (s(2j) + s(2j + 1) + bias(j)) >> 1, bias(j) = Even for even j, Odd for odd j.
 template <int Even, int Odd>
 struct OneRow {
-    static constexpr int shift = 1;
     const uint8_t* src;
 
-    __m256i sums(int j) const { return pairSums(src + 2 * j); }
-    int sum(int j) const { return src[2 * j] + src[2 * j + 1]; }
-    static constexpr int bias(int j) { return j % 2 == 0 ? Even : Odd; }
+    __m256i means(int j) const { return mean<Even, Odd, 1>(pairSums(src + 2 * int64_t{j})); }
+    int mean1(int j) const
+    {
+        const uint8_t* const s = src + 2 * int64_t{j};
+        return (s[0] + s[1] + (j % 2 == 0 ? Even : Odd)) >> 1;
+    }
 };
 
 // Two rows: dst(j) = (a(2j) + a(2j + 1) + b(2j) + b(2j + 1) + bias(j)) >> 2.
 template <int Even, int Odd>
 struct TwoRows {
-    static constexpr int shift = 2;
     const uint8_t* a;
     const uint8_t* b;
 
-    __m256i sums(int j) const { return _mm256_add_epi16(pairSums(a + 2 * j), pairSums(b + 2 * j)); }
-    int sum(int j) const { return a[2 * j] + a[2 * j + 1] + b[2 * j] + b[2 * j + 1]; }
-    static constexpr int bias(int j) { return j % 2 == 0 ? Even : Odd; }
+    __m256i means(int j) const
+    {
+        const __m256i pairsA = pairSums(a + 2 * int64_t{j});
+        const __m256i pairsB = pairSums(b + 2 * int64_t{j});
+        if constexpr (Even == 3 && Odd == 3)  // rounded up: halved twice, rounding up each time
+            return _mm256_avg_epu16(_mm256_avg_epu16(pairsA, pairsB), _mm256_setzero_si256());
+        else
+            return mean<Even, Odd, 2>(_mm256_add_epi16(pairsA, pairsB));
+    }
+    int mean1(int j) const
+    {
+        const int64_t at = 2 * int64_t{j};
+        return (a[at] + a[at + 1] + b[at] + b[at + 1] + (j % 2 == 0 ? Even : Odd)) >> 2;
+    }
 };
 
 // `count` results. Every vector begins at an even j, so that each lane keeps its bias.
 template <typename Rows>
 inline void sampleDown(const Rows rows, uint8_t* pDst, int count)
 {
-    const __m256i bias = _mm256_set1_epi32(Rows::bias(0) | Rows::bias(1) << 16);
-    const auto means = [&](int j) { return _mm256_srli_epi16(_mm256_add_epi16(rows.sums(j), bias), Rows::shift); };
-    int j = 0;
-    for (; j <= count - 32; j += 32) {
-        const __m256i packed = _mm256_packus_epi16(means(j), means(j + 16));  // 0-7, 16-23 | 8-15, 24-31
+    const auto store32 = [&](int j) {
+        const __m256i packed = _mm256_packus_epi16(rows.means(j), rows.means(j + 16));  // 0-7, 16-23 | 8-15, 24-31
         storeU(pDst + j, _mm256_permute4x64_epi64(packed, 0xD8));
+    };
+    int j = 0;
+    for (const int whole = count & ~63; j < whole; j += 64) {
+        store32(j);
+        store32(j + 32);
     }
-    if (j <= count - 16) {
-        const __m256i m = means(j);
+    if ((count & 32) != 0) {
+        store32(j);
+        j += 32;
+    }
+    if ((count & 16) != 0) {
+        const __m256i m = rows.means(j);
         storeU128(pDst + j, _mm_packus_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1)));
         j += 16;
     }
-    for (; j < count; ++j) pDst[j] = static_cast<uint8_t>((rows.sum(j) + Rows::bias(j)) >> Rows::shift);
+    for (; j < count; ++j) pDst[j] = static_cast<uint8_t>(rows.mean1(j));
 }
 
 }  // namespace

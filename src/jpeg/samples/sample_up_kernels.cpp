@@ -20,14 +20,16 @@ inline Wide weigh(const uint8_t* x, const uint8_t* y)
             _mm256_maddubs_epi16(_mm256_unpackhi_epi8(vx, vy), weights)};
 }
 
-// (x + rounding) >> shift
-template <int Rounding, int Shift>
+// (x + half the divisor) >> shift, a rounded product with the factor 2^(15 - shift). One less in the factor is one less
+// in the rounding, as long as x does not exceed it.
+template <int Factor>
 inline Wide scale(Wide x)
 {
-    const __m256i rounding = _mm256_set1_epi16(Rounding);
-    return {_mm256_srli_epi16(_mm256_add_epi16(x.lo, rounding), Shift),
-            _mm256_srli_epi16(_mm256_add_epi16(x.hi, rounding), Shift)};
+    const __m256i factor = _mm256_set1_epi16(Factor);
+    return {_mm256_mulhrs_epi16(x.lo, factor), _mm256_mulhrs_epi16(x.hi, factor)};
 }
+
+inline Wide add(Wide x, Wide y) { return {_mm256_add_epi16(x.lo, y.lo), _mm256_add_epi16(x.hi, y.hi)}; }
 
 // Stores even(0), odd(0), even(1), ...: 64 bytes.
 inline void storeInterleaved(uint8_t* pDst, Wide even, Wide odd)
@@ -48,7 +50,7 @@ struct OneRow {
     uint8_t last(int i) const { return s[i]; }
     void store32(int i, uint8_t* pDst) const
     {
-        storeInterleaved(pDst, scale<1, 2>(weigh<3, 1>(s + i, s + i - 1)), scale<2, 2>(weigh<3, 1>(s + i, s + i + 1)));
+        storeInterleaved(pDst, scale<8191>(weigh<3, 1>(s + i, s + i - 1)), scale<8192>(weigh<3, 1>(s + i, s + i + 1)));
     }
 };
 
@@ -60,13 +62,7 @@ struct TwoRows {
 
     int t(int i) const { return 3 * a[i] + b[i]; }
     Wide t32(int i) const { return weigh<3, 1>(a + i, b + i); }
-    static Wide threeAndOne(Wide x, Wide y)
-    {
-        const auto sum = [](__m256i u, __m256i v) {
-            return _mm256_add_epi16(_mm256_add_epi16(u, _mm256_add_epi16(u, u)), v);
-        };
-        return {sum(x.lo, y.lo), sum(x.hi, y.hi)};
-    }
+    Wide threeT32(int i) const { return weigh<9, 3>(a + i, b + i); }
 
     uint8_t even(int i) const { return static_cast<uint8_t>((3 * t(i) + t(i - 1) + 8) >> 4); }
     uint8_t odd(int i) const { return static_cast<uint8_t>((3 * t(i) + t(i + 1) + 7) >> 4); }
@@ -74,9 +70,10 @@ struct TwoRows {
     uint8_t last(int i) const { return static_cast<uint8_t>((4 * t(i) + 7) >> 4); }
     void store32(int i, uint8_t* pDst) const
     {
-        const Wide centre = t32(i);
-        storeInterleaved(pDst, scale<8, 4>(threeAndOne(centre, t32(i - 1))),
-                         scale<7, 4>(threeAndOne(centre, t32(i + 1))));
+        const Wide centre = threeT32(i);
+        const Wide lessOne = {_mm256_sub_epi16(centre.lo, _mm256_set1_epi16(1)),
+                              _mm256_sub_epi16(centre.hi, _mm256_set1_epi16(1))};
+        storeInterleaved(pDst, scale<2048>(add(centre, t32(i - 1))), scale<2048>(add(lessOne, t32(i + 1))));
     }
 };
 
