@@ -10,7 +10,7 @@
 namespace q3 {
 namespace {
 
-constexpr uint64_t everyByte(uint32_t value) { return value * 0x0101010101010101; }
+constexpr uint64_t everyByte(uint32_t value) { return uint64_t{value} * 0x0101010101010101; }
 
 // The endpoints' values of one channel, a byte each, brought to 8 bits.
 template <int mode, int channel>

@@ -121,7 +121,7 @@ TEST_P(DxtEncoder, EveryPairOfExtremesAsTheModel)
 {
     const Encoder& e = GetParam();
     Random random(13);
-    for (int low = 0; low < 256; ++low) {
+    for (int low = 0; low < 256; low += support::underSanitizer ? 17 : 1) {
         Pixels image(4 * 256, 4, e.channels);
         for (int high = 0; high < 256; ++high)
             for (int i = 0; i < 16; ++i)
@@ -169,7 +169,7 @@ TEST_P(DxtDecoder, EveryPairOfEndpointBytesAsTheModel)
 {
     const Decoder& d = GetParam();
     Random random(22);
-    for (int a = 0; a < 256; ++a) {
+    for (int a = 0; a < 256; a += support::underSanitizer ? 17 : 1) {
         Bytes blocks(256 * d.blockBytes);
         random.fill(blocks);
         for (size_t b = 0; b < 256; ++b)

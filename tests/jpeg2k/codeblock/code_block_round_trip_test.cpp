@@ -12,8 +12,7 @@ namespace {
 using support::GuardedArray;
 using support::Random;
 
-constexpr int bypass = 0x2, terminate = 0x4, segmentation = 0x10;
-constexpr int rollBack = 0x10000, predictable = 0x100000;
+constexpr int predictable = 0x100000;
 
 struct Encoder {
     explicit Encoder(VekSize size) { vekiEncodeInitAlloc_JPEG2K(&state, size); }
