@@ -58,7 +58,8 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
     return status;
 }
 
-// False, with nothing changed but coefficients that the careful path decodes as well, if the fast path gives up.
+// False, with nothing changed but the block, if the fast path gives up. It may then have got further than the careful
+// path does, which fails at a 0xFF at the end of the source even with bits in hand.
 bool decodeFast(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t* pDst, int16_t* pLastDC,
                 const DecodeTables& tables, VekDecodeHuffmanState* pState)
 {
@@ -97,6 +98,7 @@ VekStatus vekiDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenByte
     if (*pMarker == 0 && ample && pDecHuffState->numBits >= 0 && pDecHuffState->numBits <= mostBitsBetweenBlocks) {
         if (decodeFast(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, tables, pDecHuffState))
             return vekStsOk;
+        clearBlock(pDst);
     }
     return decodeCarefully(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, pMarker, tables, pDecHuffState);
 }

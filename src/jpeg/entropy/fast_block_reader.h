@@ -26,8 +26,7 @@ inline int16_t wrappedSum(int16_t a, int b)
 }
 
 // Decodes into a cleared block and adds to `dc`. Returns the zig-zag position reached, or 0 where the reader gives up
-// and at a run beyond the block: the block is then unfinished, and to be decoded anew by the careful path, which stores
-// the same coefficients and gets at least as far.
+// and at a run beyond the block: the block is then unfinished, and to be decoded anew by the careful path.
 template <typename Refill>
 [[gnu::always_inline]] inline int decodeFast(FastReader<Refill>& reader, int16_t* pDst, int16_t& dc,
                                              const DecodeTables& tables)

@@ -244,6 +244,21 @@ TEST(HuffmanDecoder, AByteOf255AtTheVeryEndIsOutOfBuffer)
     EXPECT_EQ(vekStsJpegOutOfBuffer, readers.decode());
 }
 
+// The fast path decodes bits that the careful one, which decodes the block anew, fails to reach.
+TEST(HuffmanDecoder, BytesOf255AtTheEndLeaveNoCoefficientOfTheFastPathBehind)
+{
+    for (int size = 1; size <= 9; ++size) {
+        const Tables tables(huffman::lists({1}, {0}), huffman::lists({1}, {size}));
+        for (size_t zeros = 0; zeros < 70; ++zeros) {
+            std::vector<uint8_t> bytes(zeros, 0);
+            bytes.resize(zeros + 24, 0xFF);
+            TwoReaders readers(tables, bytes);
+            for (int i = 0; i < 3; ++i) readers.decode();
+            ASSERT_FALSE(HasFailure()) << size << ", " << zeros;
+        }
+    }
+}
+
 TEST(HuffmanDecoder, FillBytesBeforeAMarkerAreSkipped)
 {
     const Tables tables = annexK();
