@@ -15,8 +15,12 @@ namespace q3 {
 class AcBitWriter {
 public:
     AcBitWriter(uint8_t* pDst, int dstLenBytes, int position, const VekEncodeHuffmanState& state)
-        : dst_(pDst), length_(dstLenBytes), position_(position), count_(state.numBits), bits_(state.bitBuffer)
-    {
+        : dst_(pDst),
+          length_(dstLenBytes),
+          position_(position),
+          count_(std::clamp(state.numBits, 0, mostBits)),
+          bits_(state.bitBuffer)
+    {  // the count of bits may be any in a state that was never initialised
     }
 
     void keep(int* pDstCurrPos, VekEncodeHuffmanState* pState) const

@@ -11,19 +11,11 @@
 #include "jpeg/entropy/ac_bit_writer.h"
 #include "jpeg/entropy/big_endian.h"
 #include "jpeg/entropy/encoder_state.h"
+#include "jpeg/entropy/reversed_bits.h"
 
 namespace q3 {
 
 constexpr uint64_t bitOfEachByte = 0x0101010101010101;
-
-constexpr uint64_t reversedBits(uint64_t v)
-{
-    v = (v >> 1 & 0x5555555555555555) | (v & 0x5555555555555555) << 1;
-    v = (v >> 2 & 0x3333333333333333) | (v & 0x3333333333333333) << 2;
-    v = (v >> 4 & 0x0F0F0F0F0F0F0F0F) | (v & 0x0F0F0F0F0F0F0F0F) << 4;
-    return __builtin_bswap64(v);
-}
-static_assert(reversedBits(0x8000000000000006) == 0x6000000000000001);
 
 // Those of one block, the oldest in bit 0. A band has no more than 63.
 struct CorrectionBits {
@@ -50,8 +42,8 @@ struct CorrectionBits {
     // Adds them to those that are pending. There is room, unless calls that failed to write them have piled them up.
     VekStatus keep(VekEncodeHuffmanState* pState) const
     {
-        VEK_CHECK(pState->numCorrectionBits + count <= static_cast<int>(sizeof pState->correctionBits),
-                  vekStsJpegOutOfBuffer);
+        const auto pending = static_cast<uint32_t>(pState->numCorrectionBits);
+        VEK_CHECK(pending <= sizeof pState->correctionBits - static_cast<uint32_t>(count), vekStsJpegOutOfBuffer);
         uint8_t* const p = pState->correctionBits + pState->numCorrectionBits;
         for (int i = 0; i < count; ++i) p[i] = static_cast<uint8_t>(bits >> i & 1);
         pState->numCorrectionBits += count;
@@ -62,9 +54,10 @@ struct CorrectionBits {
 // Writes the pending ones.
 inline VekStatus writeCorrectionBits(AcBitWriter& writer, VekEncodeHuffmanState* pState)
 {
-    for (int i = 0; i < pState->numCorrectionBits; i += 8) {
+    const int count = std::min(pState->numCorrectionBits, static_cast<int>(sizeof pState->correctionBits));
+    for (int i = 0; i < count; i += 8) {
         const uint64_t eight = _pext_u64(loadBigEndian64(pState->correctionBits + i), bitOfEachByte);
-        const int n = std::min(8, pState->numCorrectionBits - i);
+        const int n = std::min(8, count - i);
         const VekStatus status = writer.putEach(eight >> (8 - n), n);
         VEK_CHECK(status == vekStsOk, status);
     }

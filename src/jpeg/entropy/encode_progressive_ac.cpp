@@ -35,12 +35,13 @@ public:
             VEK_CHECK(category <= largestProgressiveCategory, vekStsJpegMarkerShort);
             status = writer_.putSymbol(table_, (run << 4) + category);
             VEK_CHECK(status == vekStsOk, status);
-            status = writer_.put(static_cast<uint32_t>(v < 0 ? ~t : t), category);
+            status = writer_.put(static_cast<uint32_t>(t ^ v >> 31), category);
             VEK_CHECK(status == vekStsOk, status);
         }
-        if (next <= band.last && ++eobRun_ >= largestEobRun)
-            return endRun();
-        return vekStsOk;
+        if (next > band.last)
+            return vekStsOk;
+        eobRun_ = grown(eobRun_, 1);
+        return eobRun_ >= largestEobRun ? endRun() : vekStsOk;
     }
 
     VekStatus refine(const int16_t* pSrc, const Band& band)
@@ -70,7 +71,7 @@ public:
         corrections.append(block.odd, block.significant & tail);
         if ((tail & ~block.significant) == 0 && corrections.count == 0)
             return vekStsOk;
-        ++eobRun_;
+        eobRun_ = grown(eobRun_, 1);
         const VekStatus status = corrections.keep(state_);
         VEK_CHECK(status == vekStsOk, status);
         if (state_->numCorrectionBits > fullCorrectionBits || eobRun_ == largestEobRun)

@@ -12,6 +12,9 @@ namespace q3 {
 
 constexpr int largestEobSize = 14;
 
+// Wraps, as a state that was never initialised may hold any number.
+inline int grown(int n, int more) { return static_cast<int>(static_cast<uint32_t>(n) + static_cast<uint32_t>(more)); }
+
 // Hands the symbol of the pending run to `code(symbol, value, bits)`, with the `bits` low bits of `value` to follow,
 // and ends the run. One that is longer than any symbol tells goes out in two.
 template <class Code>

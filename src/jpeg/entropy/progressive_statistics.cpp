@@ -34,9 +34,10 @@ VekStatus countFirst(const int16_t* pSrc, int* pAcStatistics, const Band& band, 
         VEK_CHECK(category <= largestCountedCategory, vekStsJpegMarkerShort);
         ++pAcStatistics[((run & 15) << 4) + category];
     }
-    if (next <= band.last && ++pState->eobRun >= largestEobRun)
-        return countEobRun(pAcStatistics, pState);
-    return vekStsOk;
+    if (next > band.last)
+        return vekStsOk;
+    pState->eobRun = grown(pState->eobRun, 1);
+    return pState->eobRun >= largestEobRun ? countEobRun(pAcStatistics, pState) : vekStsOk;
 }
 
 VekStatus countRefine(const int16_t* pSrc, int* pAcStatistics, const Band& band, VekEncodeHuffmanState* pState)
@@ -73,8 +74,8 @@ VekStatus countRefine(const int16_t* pSrc, int* pAcStatistics, const Band& band,
     corrections += std::popcount(block.significant & tail);
     if ((tail & ~block.significant) == 0 && corrections == 0)
         return vekStsOk;
-    ++pState->eobRun;
-    pState->numCorrectionBits += corrections;
+    pState->eobRun = grown(pState->eobRun, 1);
+    pState->numCorrectionBits = grown(pState->numCorrectionBits, corrections);
     if (pState->numCorrectionBits > fullCorrectionBits || pState->eobRun == largestEobRun) {
         const VekStatus status = countEobRun(pAcStatistics, pState);
         VEK_CHECK(status == vekStsOk, status);

@@ -226,6 +226,36 @@ TEST(ProgressiveEncoder, KeepsToItsStateWhenTheCallerIgnoresFailures)
     }
 }
 
+TEST(ProgressiveEncoder, AStateThatWasNeverInitialisedDoesNoHarm)
+{
+    Random random(15);
+    const Tables tables = progressive::randomTables(random);
+    for (int round = 0; round < 4000 / sparse; ++round) {
+        support::GuardedArray<VekEncodeHuffmanState> state(1);
+        state[0].bitBuffer = random.bits();
+        state[0].numBits = random.extreme<int32_t>();
+        state[0].eobRun = random.extreme<int32_t>();
+        state[0].numCorrectionBits = random.extreme<int32_t>();
+        support::GuardedArray<int> counts(256);
+        support::GuardedArray<uint8_t> dst(random.in<size_t>(1, 40));
+        const int room = static_cast<int>(dst.size());
+        int position = 0;
+        const int16_t* const block = progressive::guarded(progressive::randomBlock(random, random.in(0, 100), 3, 0), 0);
+        const bool refines = random.chance(50);
+        const auto encode =
+            refines ? vekiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1 : vekiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1;
+        const auto count = refines ? vekiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1
+                                   : vekiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1;
+        VekEncodeHuffmanState counting = state[0];
+        count(block, counts.data(), 1, 63, 0, &counting, 0);
+        for (const int flush : {0, 1}) {
+            encode(block, dst.data(), room, &position, 1, 63, 0, &tables.encodeAc, state.data(), flush);
+            ASSERT_LE(0, position);
+            ASSERT_GE(room, position);
+        }
+    }
+}
+
 TEST(ProgressiveEncoder, DcScansEqualTheirModel)
 {
     Random random(11);
