@@ -6,6 +6,7 @@
 #include "jpeg/entropy/ac_bit_reader.h"
 #include "jpeg/entropy/block_mask.h"
 #include "jpeg/entropy/progressive_band.h"
+#include "jpeg/entropy/reversed_bits.h"
 
 namespace q3 {
 namespace {
@@ -53,28 +54,41 @@ VekStatus decodeFirst(AcBits& bits, int16_t* pBlock, const Band& band, const Vek
 // `unit` with the sign of which -1 and 0 tell, without a branch: signs are as good as random.
 inline int withSign(int unit, int sign) { return (unit ^ sign) - sign; }
 
-// Corrects the coefficients at the given positions: each takes a bit, which if set moves it by one unit of the scan
-// away from zero, unless that bit of it is set already.
-[[gnu::always_inline]] inline VekStatus correct(AcBits& bits, int16_t* pBlock, uint64_t positions, int unit)
+// Takes a correction bit for each of the given positions and adds those whose bit is set to `moved`.
+[[gnu::always_inline]] inline VekStatus takeCorrections(AcBits& bits, uint64_t positions, uint64_t& moved)
 {
-    while (positions != 0) {
-        if (bits.count < 1) {
+    int wanted = std::popcount(positions);
+    while (wanted > 0) {
+        if (bits.count < 1) [[unlikely]] {
             const VekStatus status = refill(bits, 1);
             if (status != vekStsOk) [[unlikely]]
                 return status;
         }
-        for (; positions != 0 && bits.count > 0; positions &= positions - 1) {
-            int16_t* const p = pBlock + zigzagPositions[static_cast<size_t>(std::countr_zero(positions))];
-            const int coefficient = loadScalar<int16_t>(p);
-            --bits.count;
-            const int moves = -static_cast<int>(bits.bits >> bits.count & 1) & (~coefficient & unit);  // unit or 0
-            storeScalar(p, static_cast<int16_t>(coefficient + withSign(moves, coefficient >> 31)));
-        }
+        const int taken = std::min(wanted, bits.count);
+        bits.count -= taken;
+        wanted -= taken;
+        // The oldest bit, now the lowest, is that of the first position.
+        const uint64_t oldestFirst = reversedBits(bits.bits >> bits.count << (64 - taken));
+        moved |= _pdep_u64(oldestFirst, positions);
+        positions &= ~_pdep_u64(~uint64_t{0} >> (64 - taken), positions);
     }
     return vekStsOk;
 }
 
-VekStatus decodeRefine(AcBits& bits, int16_t* pBlock, const Band& band, const VekDecodeHuffmanSpec& table, int& eobRun)
+// Moves the coefficients at the given positions by one unit of the scan away from zero, unless that bit of them is set
+// already.
+inline void correct(int16_t* pBlock, uint64_t positions, int unit)
+{
+    for (; positions != 0; positions &= positions - 1) {
+        int16_t* const p = pBlock + zigzagPositions[static_cast<size_t>(std::countr_zero(positions))];
+        const int coefficient = loadScalar<int16_t>(p);
+        storeScalar(p, static_cast<int16_t>(coefficient + withSign(~coefficient & unit, coefficient >> 31)));
+    }
+}
+
+// Corrections of coefficients wait in `moved`; they do not matter to what is read.
+VekStatus readRefinement(AcBits& bits, int16_t* pBlock, const Band& band, const VekDecodeHuffmanSpec& table,
+                         int& eobRun, uint64_t& moved)
 {
     const int unit = shiftedLeft(1, band.low);
     const uint64_t nonZero = nonZeroInZigzag(pBlock);
@@ -104,23 +118,33 @@ VekStatus decodeRefine(AcBits& bits, int16_t* pBlock, const Band& band, const Ve
             // The zero that `run` others precede, and what lies from it on; none if the band has fewer.
             const uint64_t zero = _pdep_u64(uint64_t{1} << run, left & ~nonZero);
             const uint64_t behind = zero == 0 ? 0 : left & (0 - zero);
-            status = correct(bits, pBlock, left & ~behind & nonZero, unit);
+            status = takeCorrections(bits, left & ~behind & nonZero, moved);
             if (status != vekStsOk) [[unlikely]]
                 return status;
             if (isNew) {
                 const int k = zero == 0 ? band.last + 1 : std::countr_zero(zero);
+                if (k > 63)
+                    moved &= ~(uint64_t{1} << 63);  // it takes the place of the last coefficient
                 storeScalar(at(pBlock, k), static_cast<int16_t>(withSign(unit, value - 1)));
             }
             left = behind & (behind - 1);
         }
     }
     if (eobRun > 0) {
-        const VekStatus status = correct(bits, pBlock, left & nonZero, unit);
+        const VekStatus status = takeCorrections(bits, left & nonZero, moved);
         if (status != vekStsOk) [[unlikely]]
             return status;
         --eobRun;
     }
     return vekStsOk;
+}
+
+VekStatus decodeRefine(AcBits& bits, int16_t* pBlock, const Band& band, const VekDecodeHuffmanSpec& table, int& eobRun)
+{
+    uint64_t moved = 0;
+    const VekStatus status = readRefinement(bits, pBlock, band, table, eobRun, moved);
+    correct(pBlock, moved, shiftedLeft(1, band.low));
+    return status;
 }
 
 using Decode = VekStatus(AcBits& bits, int16_t* pBlock, const Band& band, const VekDecodeHuffmanSpec& table,
