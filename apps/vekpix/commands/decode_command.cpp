@@ -68,7 +68,9 @@ void addDecodeCommand(CLI::App& app)
 {
     auto arguments = std::make_shared<DecodeArguments>();
     CLI::App* command = app.add_subcommand("decode", "Decodes a JPEG file.");
-    command->add_option("input", arguments->input, "JPEG file: sequential of 8 or 12 bits, or progressive of 8")
+    command
+        ->add_option("input", arguments->input,
+                     "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16)")
         ->required();
     command->add_option("output", arguments->output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
         ->required();

@@ -21,7 +21,7 @@ struct EncodeArguments {
     std::string scans;
     std::string sampling = "420";
     std::string downsampling = "blocks";
-    int precision = 8;
+    int precision = 0;  // as usual
     jpeg::EncodeOptions options;
 };
 
@@ -32,12 +32,21 @@ jpeg::ChromaSampling samplingNamed(const std::string& name)
     return name == "422" ? jpeg::ChromaSampling::Half422 : jpeg::ChromaSampling::Quarter420;
 }
 
+// A lossless file has the bits of the picture unless others are asked for.
+std::unique_ptr<RowReader> openInput(const EncodeArguments& arguments)
+{
+    const int bits = arguments.precision != 0 || arguments.options.lossless ? arguments.precision : 8;
+    if (bits == 8)
+        return openPicture(arguments.input);
+    std::unique_ptr<RowReader> picture = openPicture(arguments.input, SampleDepth::AsStored);
+    return bits == 0 ? std::move(picture) : withBits(std::move(picture), bits);
+}
+
 void runEncode(EncodeArguments arguments)
 {
     if (formatOf(arguments.output) != ImageFormat::Jpeg)
         throw Error(arguments.output + ": the coded picture must be named .jpg or .jpeg");
-    const SampleDepth depth = arguments.precision == 8 ? SampleDepth::Eight : SampleDepth::AsStored;
-    const std::unique_ptr<RowReader> picture = withBits(openPicture(arguments.input, depth), arguments.precision);
+    const std::unique_ptr<RowReader> picture = openInput(arguments);
     arguments.options.scans = readScanScript(arguments.scans);
     OutputFile file(arguments.output);
     Progress progress(int64_t{picture->height()} * jpeg::encodePasses(picture->shape(), arguments.options));
@@ -73,11 +82,22 @@ void addEncodeCommand(CLI::App& app)
                      "how 422 and 420 average chroma: blocks from exact values, rows from bytes as other encoders do")
         ->check(CLI::IsMember({"blocks", "rows"}))
         ->capture_default_str();
-    command->add_option("--restart", options.restartInterval, "restart marker every N MCUs; 0 for none")
+    command
+        ->add_option("--restart", options.restartInterval, "restart marker every N MCUs (lossless: rows); 0 for none")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    command->add_option("--precision", arguments->precision, "bits of a sample, 8 or 12")
-        ->check(CLI::IsMember({8, 12}))
+    command
+        ->add_option("--precision", arguments->precision,
+                     "bits of a sample: 8 (the default) or 12; without loss 8 to 16, by default the picture's")
+        ->check(CLI::Range(8, 16));
+    CLI::Option* lossless = command->add_flag("--lossless", options.lossless, "codes every sample as it is");
+    command->add_option("--predictor", options.predictor, "how a lossless file predicts a sample, 1 to 7")
+        ->check(CLI::Range(1, 7))
+        ->needs(lossless)
+        ->capture_default_str();
+    command->add_option("--point-transform", options.pointTransform, "low bits that a lossless file leaves out")
+        ->check(CLI::Range(0, 15))
+        ->needs(lossless)
         ->capture_default_str();
     command->add_flag("--optimize", options.optimizeTables, "makes Huffman tables for this picture: a smaller file");
     command->add_flag("--progressive", options.progressive, "codes in many scans, from coarse to fine");

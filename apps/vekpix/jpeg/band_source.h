@@ -34,6 +34,9 @@ std::unique_ptr<BandSource> makePlaneBands(const Picture& picture, const DecodeO
 // time of the first band.
 std::unique_ptr<BandSource> makeProgressiveBands(const Picture& picture, const DecodeOptions& options);
 
+// A lossless picture.
+std::unique_ptr<BandSource> makeLosslessBands(const Picture& picture, const DecodeOptions& options);
+
 }  // namespace vekpix::jpeg
 
 #endif

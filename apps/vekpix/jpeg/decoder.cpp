@@ -20,7 +20,10 @@ Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)
               : components == 4 && options.inks ? 4
                                                 : 3,
               picture.frame.bits};
-    source_ = picture.frame.progressive ? makeProgressiveBands(picture, options) : makeMcuBands(picture, options);
+    if (picture.frame.lossless)
+        source_ = makeLosslessBands(picture, options);
+    else
+        source_ = picture.frame.progressive ? makeProgressiveBands(picture, options) : makeMcuBands(picture, options);
     if (!source_)
         source_ = makePlaneBands(picture, options);
 }

@@ -1,4 +1,4 @@
-// A JPEG file, sequential or progressive, becomes pixels, band by band from the top.
+// A JPEG file, sequential, progressive or lossless, becomes pixels, band by band from the top.
 #ifndef VEKPIX_JPEG_DECODER_H
 #define VEKPIX_JPEG_DECODER_H
 

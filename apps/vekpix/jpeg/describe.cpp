@@ -43,6 +43,7 @@ void describeFrame(const MarkerReader& markers, std::ostream& out)
     const Frame& frame = markers.frame();
     out << "frame: "
         << (frame.progressive ? "progressive"
+            : frame.lossless  ? "lossless"
             : frame.baseline  ? "baseline"
                               : "extended sequential")
         << ", " << frame.width << " x " << frame.height << ", " << frame.bits << " bits, "
@@ -73,7 +74,7 @@ void describeTables(const Scan& scan, const Frame& frame, std::set<const void*>&
 {
     for (const ScanComponent& component : scan.components) {
         const FrameComponent& inFrame = frame.components[static_cast<size_t>(component.index)];
-        if (told.insert(component.quantSteps.get()).second)
+        if (component.quantSteps && told.insert(component.quantSteps.get()).second)
             describeQuantTable(inFrame.quantTable, *component.quantSteps, out);
         if (component.dcTable && told.insert(component.dcTable.get()).second)
             describeHuffmanTable("DC", component.dcTableSlot, *component.dcTable, out);
@@ -105,6 +106,8 @@ void describeScan(const Scan& scan, const Frame& frame, size_t bytes, size_t res
         out << "restart interval of " << scan.restartInterval << " MCUs, " << restarts << " restart markers\n";
     if (frame.progressive)
         describeProgression(scan, out);
+    if (frame.lossless)
+        out << "  predictor " << scan.predictor << ", point transform " << scan.pointTransform << '\n';
     for (const ScanComponent& component : scan.components) {
         const char* separator = ": ";
         out << "  component " << frame.components[static_cast<size_t>(component.index)].id;

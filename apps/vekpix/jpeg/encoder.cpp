@@ -8,6 +8,7 @@
 #include "image/memory_rows.h"
 #include "jpeg/entropy_writer.h"
 #include "jpeg/library_status.h"
+#include "jpeg/lossless_encoder.h"
 #include "jpeg/marker_writer.h"
 #include "jpeg/mcu_transform.h"
 #include "jpeg/scan_passes.h"
@@ -27,6 +28,25 @@ void checkRange(const char* what, int value, int least, int most)
                     ", not " + std::to_string(value));
 }
 
+void checkSize(const Shape& picture)
+{
+    if (picture.width < 1 || picture.height < 1)
+        throw Error("the picture is empty");
+    if (picture.width > maxSize || picture.height > maxSize)
+        throw Error("the picture has " + std::to_string(picture.width) + " x " + std::to_string(picture.height) +
+                    " pixels; a JPEG file holds 65535 x 65535 at most");
+}
+
+void checkLossless(const Shape& picture, const EncodeOptions& options)
+{
+    checkSize(picture);
+    checkRange("the predictor", options.predictor, 1, 7);
+    checkRange("the point transform", options.pointTransform, 0, picture.bits - 1);
+    checkRange("the restart interval in rows", options.restartInterval, 0, maxSize / picture.width);
+    if (storesCoefficients(options) || options.grey)
+        throw Error("a lossless file has one scan of all colours");
+}
+
 void check(const Shape& picture, const EncodeOptions& options)
 {
     checkRange("the quality", options.quality, 1, 100);
@@ -39,11 +59,7 @@ void check(const Shape& picture, const EncodeOptions& options)
         throw Error("at least one thread must work");
     if (picture.channels == 4 && options.grey)
         throw Error("a picture of inks has no luminance to be coded alone");
-    if (picture.width < 1 || picture.height < 1)
-        throw Error("the picture is empty");
-    if (picture.width > maxSize || picture.height > maxSize)
-        throw Error("the picture has " + std::to_string(picture.width) + " x " + std::to_string(picture.height) +
-                    " pixels; a JPEG file holds 65535 x 65535 at most");
+    checkSize(picture);
 }
 
 QuantizerSteps scaled(QuantizerSteps steps, int quality)
@@ -93,6 +109,12 @@ void encodeScans(RowReader& picture, ByteSink& file, const McuTransform& transfo
 
 void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options)
 {
+    if (options.lossless) {
+        checkLossless(picture.shape(), options);
+        Rewindable rewindable(picture);
+        encodeLossless(rewindable.rows(), file, options);
+        return;
+    }
     check(picture.shape(), options);
     const McuLayout layout(picture.shape(), options);
     const ScanLayout scan = {layout, options.restartInterval, int64_t{layout.mcusPerRow()} * layout.mcuRows()};

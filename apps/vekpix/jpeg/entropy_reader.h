@@ -60,6 +60,13 @@ public:
                                                              low, table, state_.get()));
     }
 
+    // Rows of differences of a lossless scan, of `count` components. An MCU is a row there.
+    void readRow(int16_t** rows, int width, int count, const VekDecodeHuffmanSpec** tables)
+    {
+        expectOk(vekiDecodeHuffmanRow_JPEG_1u16s_C1P4(base_, length_, &position_, rows, width, count, &marker_, tables,
+                                                      state_.get()));
+    }
+
     // Behind the last MCU of an interval that is not the scan's last: what follows must be its restart marker.
     void endInterval() { passRestartMarker(); }
 

@@ -52,8 +52,6 @@ bool standsAlone(int marker) { return marker == TEM || (marker >= RST0 && marker
 [[noreturn]] void refuseProcess(int marker)
 {
     const std::string name = markerName(marker);
-    if (marker == SOF3)
-        throw Error("lossless JPEG (" + name + ") is not supported");
     if ((marker >= SOF5 && marker <= SOF7) || marker == DHP || marker == EXP)
         throw Error("hierarchical JPEG (" + name + ") is not supported");
     throw Error("arithmetic-coded JPEG (" + name + ") is not supported");
@@ -74,7 +72,7 @@ void checkProgression(const Scan& scan)
 
 bool isRefusedProcess(int marker)
 {
-    return (marker >= SOF3 && marker <= SOF15 && marker != DHT && marker != JPG) || marker == DHP || marker == EXP;
+    return (marker >= SOF5 && marker <= SOF15 && marker != DHT && marker != JPG) || marker == DHP || marker == EXP;
 }
 
 }  // namespace
@@ -271,7 +269,7 @@ void MarkerReader::readTables(int marker, std::span<const uint8_t> body)
         readQuantTables(body);
     else if (marker == DHT)
         readHuffmanTables(body);
-    else if (marker == SOF0 || marker == SOF1 || marker == SOF2)
+    else if (marker >= SOF0 && marker <= SOF3)
         readFrame(marker, body);
     else if (marker == DRI)
         readRestartInterval(body);
@@ -320,7 +318,7 @@ void MarkerReader::readHuffmanTables(std::span<const uint8_t> body)
             throw Error("damaged JPEG file: invalid Huffman table");
         const auto symbols = cursor.take(static_cast<size_t>(table->symbolCount));
         std::copy(symbols.begin(), symbols.end(), table->symbols.begin());
-        const int largestDcCategory = 15;
+        const int largestDcCategory = 16;
         if (tableClass == 0 && std::any_of(symbols.begin(), symbols.end(), [](int s) { return s > largestDcCategory; }))
             throw Error("damaged JPEG file: invalid Huffman table");
         table->buildDecoderTable();
@@ -336,10 +334,14 @@ void MarkerReader::readFrame(int marker, std::span<const uint8_t> body)
     Frame frame;
     frame.baseline = marker == SOF0;
     frame.progressive = marker == SOF2;
+    frame.lossless = marker == SOF3;
     frame.bits = cursor.byte();
-    if (frame.bits != 8 && !(marker == SOF1 && frame.bits == 12))
-        throw Error((frame.progressive ? "progressive JPEG files of " : "JPEG files of ") + std::to_string(frame.bits) +
-                    "-bit samples are not supported");
+    const bool deep = frame.lossless ? frame.bits > 8 && frame.bits <= 16 : marker == SOF1 && frame.bits == 12;
+    if (frame.bits != 8 && !deep)
+        throw Error((frame.progressive ? "progressive JPEG files of "
+                     : frame.lossless  ? "lossless JPEG files of "
+                                       : "JPEG files of ") +
+                    std::to_string(frame.bits) + "-bit samples are not supported");
     frame.height = cursor.word();
     frame.width = cursor.word();
     if (frame.height == 0)
@@ -367,6 +369,8 @@ void MarkerReader::readFrame(int marker, std::span<const uint8_t> body)
         frame.components.push_back(component);
     }
     cursor.expectEnd();
+    if (frame.lossless && count > 1 && (frame.maxHorizontalSampling() > 1 || frame.maxVerticalSampling() > 1))
+        throw Error("lossless JPEG files with subsampled components are not supported");
     frame_ = std::move(frame);
 }
 
@@ -410,7 +414,7 @@ Scan MarkerReader::readScan(std::span<const uint8_t> body)
         component.dcTableSlot = tables >> 4;
         component.acTableSlot = tables & 15;
         component.quantSteps = quant_[static_cast<size_t>(found->quantTable)];
-        if (!component.quantSteps)
+        if (!component.quantSteps && !frame_->lossless)
             throw Error("damaged JPEG file: a scan without its quantisation table");
         for (const ScanComponent& other : scan.components)
             if (other.index == component.index)
@@ -431,6 +435,12 @@ Scan MarkerReader::readScan(std::span<const uint8_t> body)
         scan.low = bits & 15;
         checkProgression(scan);
     }
+    if (frame_->lossless) {
+        scan.predictor = begin;
+        scan.pointTransform = bits & 15;
+        if (begin < 1 || begin > 7 || end != 0 || bits >> 4 != 0 || scan.pointTransform >= frame_->bits)
+            throw Error("damaged JPEG file: impossible prediction of a lossless scan");
+    }
     for (ScanComponent& component : scan.components) findTables(scan, component);
     markTold(scan);
     scan.dataBegin = position_;
@@ -447,9 +457,15 @@ void MarkerReader::findTables(const Scan& scan, ScanComponent& component) const
         return tables[static_cast<size_t>(slot)];
     };
     const bool needsDc = scan.spectralBegin == 0 && scan.high == 0;
-    const bool needsAc = scan.spectralEnd != 0;
-    if (needsDc)
+    const bool needsAc = scan.spectralEnd != 0 && !frame_->lossless;
+    if (needsDc) {
         component.dcTable = find(dc_, component.dcTableSlot);
+        const std::span symbols =
+            std::span(component.dcTable->symbols).first(static_cast<size_t>(component.dcTable->symbolCount));
+        const int largestCategory = frame_->lossless ? 16 : 15;
+        if (std::any_of(symbols.begin(), symbols.end(), [&](int s) { return s > largestCategory; }))
+            throw Error("damaged JPEG file: invalid Huffman table");
+    }
     if (needsAc)
         component.acTable = find(ac_, component.acTableSlot);
 }
@@ -507,7 +523,7 @@ ColourModel MarkerReader::colourModel() const
     if (adobeTransform_)
         return *adobeTransform_ == 0 ? ColourModel::Rgb : ColourModel::YCbCr;
     const bool namedRgb = components[0].id == 'R' && components[1].id == 'G' && components[2].id == 'B';
-    return namedRgb ? ColourModel::Rgb : ColourModel::YCbCr;
+    return namedRgb || frame().lossless ? ColourModel::Rgb : ColourModel::YCbCr;
 }
 
 }  // namespace vekpix::jpeg

@@ -49,7 +49,8 @@ struct FrameComponent {
 
 struct Frame {
     bool baseline = true;      // SOF0
-    bool progressive = false;  // SOF2; if neither, SOF1
+    bool progressive = false;  // SOF2
+    bool lossless = false;     // SOF3; if none of these, SOF1
     int bits = 8;              // of a sample
     int width = 0;
     int height = 0;
@@ -64,7 +65,7 @@ struct Frame {
     int componentHeight(size_t index) const;
 };
 
-// One component of a scan with the tables that were in force when the scan began. Progressive scans have only those
+// One component of a scan with the tables that were in force when the scan began. Progressive and lossless scans have only those
 // Huffman tables that they need.
 struct ScanComponent {
     int index = 0;  // in Frame::components
@@ -83,6 +84,9 @@ struct Scan {
     int spectralEnd = 63;
     int high = 0;
     int low = 0;
+    // How a lossless scan predicts its samples, and how many low bits it leaves out (T.81, H.1.2).
+    int predictor = 1;
+    int pointTransform = 0;
     int restartInterval = 0;  // MCUs; 0 without restart markers
     size_t dataBegin = 0;     // first byte of the entropy-coded data in the file
 };

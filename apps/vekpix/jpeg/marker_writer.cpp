@@ -72,6 +72,14 @@ void writeAdobe(ByteSink& sink, bool transformed)
 
 void writeStart(ByteSink& sink) { writeMarker(sink, SOI); }
 
+void writeColours(ByteSink& sink, ColourModel colours)
+{
+    if (colours == ColourModel::Grey || colours == ColourModel::YCbCr)
+        writeJfif(sink);
+    else
+        writeAdobe(sink, colours == ColourModel::Ycck);
+}
+
 void writeQuantTable(ByteSink& sink, int slot, const QuantizerSteps& steps)
 {
     SegmentBytes(DQT).byte(slot).bytes(steps).writeTo(sink);
@@ -79,7 +87,7 @@ void writeQuantTable(ByteSink& sink, int slot, const QuantizerSteps& steps)
 
 void writeFrame(ByteSink& sink, const Frame& frame)
 {
-    SegmentBytes segment(frame.progressive ? SOF2 : frame.baseline ? SOF0 : SOF1);
+    SegmentBytes segment(frame.lossless ? SOF3 : frame.progressive ? SOF2 : frame.baseline ? SOF0 : SOF1);
     segment.byte(frame.bits).word(frame.height).word(frame.width).byte(static_cast<int>(frame.components.size()));
     for (const FrameComponent& c : frame.components)
         segment.byte(c.id).byte(c.horizontalSampling << 4 | c.verticalSampling).byte(c.quantTable);
@@ -125,10 +133,7 @@ Frame frameOf(const McuLayout& layout)
 void writeBeginning(ByteSink& sink, const McuLayout& layout, const std::array<QuantizerSteps, 2>& steps)
 {
     writeStart(sink);
-    if (layout.colours == ColourModel::Rgb || layout.hasInks())
-        writeAdobe(sink, layout.colours == ColourModel::Ycck);
-    else
-        writeJfif(sink);
+    writeColours(sink, layout.colours);
     writeQuantTable(sink, 0, steps[0]);
     if (layout.isChroma(1))
         writeQuantTable(sink, 1, steps[1]);

@@ -30,6 +30,8 @@ struct ScanHeader {
 
 // The start of the image, before all segments.
 void writeStart(ByteSink& sink);
+// The application marker that tells a file's colours: JFIF's for grey and YCbCr, else Adobe's.
+void writeColours(ByteSink& sink, ColourModel colours);
 void writeQuantTable(ByteSink& sink, int slot, const QuantizerSteps& steps);
 void writeFrame(ByteSink& sink, const Frame& frame);
 void writeHuffmanTable(ByteSink& sink, int tableClass, int slot, const CodeLists& lists);

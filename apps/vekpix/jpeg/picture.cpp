@@ -11,11 +11,32 @@ namespace vekpix::jpeg {
 
 namespace {
 
+[[noreturn]] void failTooShort(const Frame& frame)
+{
+    throw Error("truncated JPEG file: too short for a picture of " + std::to_string(frame.width) + " x " +
+                std::to_string(frame.height));
+}
+
+// Each sample takes a code of at least one bit.
+void checkPlausibleLossless(const Picture& picture)
+{
+    for (const Scan& scan : picture.scans) {
+        const uint64_t samples = scan.components.size() * static_cast<uint64_t>(picture.frame.width) *
+                                 static_cast<uint64_t>(picture.frame.height);
+        if (samples > uint64_t{picture.file.size() - scan.dataBegin} * 8)
+            failTooShort(picture.frame);
+    }
+}
+
 // Each block takes two codes of at least one bit; in a progressive file, one bit in each scan of its DC, but there may
 // be none for many blocks in scans of AC. A file too short for that cannot hold its picture. This bounds the time that
 // a file of a given length can take.
 void checkPlausible(const Picture& picture)
 {
+    if (picture.frame.lossless) {
+        checkPlausibleLossless(picture);
+        return;
+    }
     const uint64_t least = picture.frame.progressive ? 1 : 2;
     for (const Scan& scan : picture.scans) {
         uint64_t blocks = 0;
@@ -34,8 +55,7 @@ void checkPlausible(const Picture& picture)
         }
         const size_t bytes = picture.file.size() - (scan.spectralBegin == 0 ? scan.dataBegin : 0);
         if (blocks * least > static_cast<uint64_t>(bytes) * 8)
-            throw Error("truncated JPEG file: too short for a picture of " + std::to_string(picture.frame.width) +
-                        " x " + std::to_string(picture.frame.height));
+            failTooShort(picture.frame);
     }
 }
 

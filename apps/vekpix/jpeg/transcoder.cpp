@@ -72,6 +72,8 @@ int heightOf(std::span<const uint8_t> file)
 void transcode(std::span<const uint8_t> file, ByteSink& output, const TranscodeOptions& options)
 {
     const Picture picture = readHeaders(file);
+    if (picture.frame.lossless)
+        throw Error("a lossless file has no coefficients to be transcoded");
     if (picture.frame.bits != 8)
         throw Error("files of more than 8 bits cannot be transcoded");
     const ScanScript script = scriptFor(picture, options);

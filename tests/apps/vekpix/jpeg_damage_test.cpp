@@ -187,7 +187,7 @@ TEST(JpegDamage, OtherProcessesAreRefusedByName)
 {
     const Bytes file = smallFile();
     const size_t frame = find(file, vekpix::jpeg::SOF0);
-    EXPECT_TRUE(fails(with(file, frame + 1, 0xC3), "lossless"));
+    EXPECT_TRUE(fails(with(file, frame + 1, 0xC3), "lossless"));  // which has no DCT
     EXPECT_TRUE(fails(with(file, frame + 1, 0xC5), "hierarchical"));
     EXPECT_TRUE(fails(with(file, frame + 1, 0xC9), "arithmetic"));
     EXPECT_TRUE(fails(with(file, frame + 4, 12), "12-bit samples"));
