@@ -46,17 +46,17 @@ template <MissingCode missing, bool small>
 [[gnu::always_inline]] inline bool putCoefficients(FastBitWriter& writer, const int16_t* pSrc, uint64_t mask,
                                                    const VekEncodeHuffmanSpec& table)
 {
-    uint32_t last = 0;
+    uint64_t last = 0;
     while (mask != 0) {
-        const auto k = static_cast<uint32_t>(std::countr_zero(mask));
+        const auto k = static_cast<uint64_t>(std::countr_zero(mask));
         mask &= mask - 1;
-        uint32_t distance = k - last;
+        uint64_t distance = k - last;
         last = k;
         for (; distance > 16; distance -= 16)
             [[unlikely]] if (!putEntry<missing>(writer, table.codes[zeroRunLength], {})) return false;
         const auto v = loadScalar<int16_t>(pSrc + zigzagPositions[k]);
         const Magnitude magnitude = small ? smallMagnitudeOf(v) : magnitudeOf(v);
-        const size_t symbol = 16 * size_t{distance} - 16 + magnitude.category;
+        const size_t symbol = 16 * distance - 16 + magnitude.category;
         if (!putEntry<missing>(writer, small ? table.codes[symbol] : acEntry(table, symbol), magnitude))
             return false;
     }
@@ -67,13 +67,15 @@ template <MissingCode missing>
 [[gnu::always_inline]] inline bool putBlock(FastBitWriter& writer, const int16_t* pSrc, int diff,
                                             const VekEncodeHuffmanSpec& dcTable, const VekEncodeHuffmanSpec& acTable)
 {
+    // First of all what the branches go by: the sooner it is known, the less a wrong guess costs.
+    const BlockVectors block = loadBlock(pSrc);
+    const uint64_t mask = nonZeroInZigzag(block) & ~uint64_t{1};
+    const bool small = hasSmallCoefficients(block);
     const Magnitude magnitude = magnitudeOf(diff);
     if (!putEntry<missing>(writer, dcTable.codes[magnitude.category], magnitude))
         return false;
-    const BlockVectors block = loadBlock(pSrc);
-    const uint64_t mask = nonZeroInZigzag(block) & ~uint64_t{1};
-    const bool complete = hasSmallCoefficients(block) ? putCoefficients<missing, true>(writer, pSrc, mask, acTable)
-                                                      : putCoefficients<missing, false>(writer, pSrc, mask, acTable);
+    const bool complete = small ? putCoefficients<missing, true>(writer, pSrc, mask, acTable)
+                                : putCoefficients<missing, false>(writer, pSrc, mask, acTable);
     if (complete)
         writer.settle();
     return complete;

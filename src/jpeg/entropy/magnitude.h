@@ -49,8 +49,8 @@ static_assert(smallMagnitudes[largestSmall - 1].category == 1 && smallMagnitudes
 
 inline Magnitude smallMagnitudeOf(int64_t v)
 {
-    const SmallMagnitude& entry = smallMagnitudes[static_cast<size_t>(v + largestSmall)];
-    return {entry.category, entry.bits};
+    const SmallMagnitude* const ofZero = smallMagnitudes.data() + largestSmall;
+    return {ofZero[v].category, ofZero[v].bits};
 }
 
 }  // namespace q3
