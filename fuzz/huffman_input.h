@@ -44,6 +44,7 @@ private:
 };
 
 struct Table {
+    model::HuffmanLists lists;
     VekDecodeHuffmanSpec object{};
     model::DecodeTable expected{};
     bool valid = false;
@@ -51,14 +52,14 @@ struct Table {
 
 inline Table readTable(Bytes& bytes)
 {
-    model::HuffmanLists lists;
+    Table table;
+    model::HuffmanLists& lists = table.lists;
     int symbols = 0;
     for (uint8_t& count : lists.bits) {
         count = bytes.next();
         symbols += count;
     }
     for (int i = 0; i < std::min(symbols, 256); ++i) lists.vals[static_cast<size_t>(i)] = bytes.next();
-    Table table;
     const VekStatus status = vekiDecodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.vals.data(), &table.object);
     require(status == model::buildDecodeTable(lists, table.expected));
     table.valid = status == vekStsOk;
