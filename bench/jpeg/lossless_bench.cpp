@@ -17,13 +17,18 @@ using support::AlignedArray;
 // Samples in a row: in the first-level cache, in the second, beyond.
 void widths(benchmark::internal::Benchmark* b) { b->ArgName("width")->Arg(1024)->Arg(8192)->Arg(1 << 16); }
 
+// Noise of 12 bits, or of 16 so that sums wrap.
 struct PredictionRows {
-    explicit PredictionRows(const benchmark::State& state)
+    explicit PredictionRows(const benchmark::State& state, int bits = 12)
         : width(static_cast<int>(state.range(0))),
           src(static_cast<size_t>(width), 1),
           above(static_cast<size_t>(width), 2),
           dst(static_cast<size_t>(width), 3)
     {
+        for (size_t i = 0; i < src.size(); ++i) {
+            src[i] = static_cast<int16_t>(src[i] & ((1 << bits) - 1));
+            above[i] = static_cast<int16_t>(above[i] & ((1 << bits) - 1));
+        }
     }
     int width;
     AlignedArray<int16_t> src, above, dst;
@@ -48,10 +53,11 @@ void BM_vekiDiffPredRow_JPEG_16s_C1(benchmark::State& state)
     countSamples(state, readsRowAbove(predictor) ? 6 : 4);
 }
 
-template <int predictor>
+template <int predictor, int bits = 12>
 void BM_vekiReconstructPredRow_JPEG_16s_C1(benchmark::State& state)
 {
-    PredictionRows rows(state);
+    PredictionRows rows(state, bits);
+    vekiDiffPredRow_JPEG_16s_C1(rows.src.data(), rows.above.data(), rows.src.data(), rows.width, predictor);
     for (auto _ : state) {
         vekiReconstructPredRow_JPEG_16s_C1(rows.src.data(), rows.above.data(), rows.dst.data(), rows.width, predictor);
         benchmark::ClobberMemory();
@@ -70,6 +76,8 @@ VEK_BENCH_PREDICTOR(5);
 VEK_BENCH_PREDICTOR(6);
 VEK_BENCH_PREDICTOR(7);
 #undef VEK_BENCH_PREDICTOR
+BENCHMARK(BM_vekiReconstructPredRow_JPEG_16s_C1<6, 16>)->Apply(widths);
+BENCHMARK(BM_vekiReconstructPredRow_JPEG_16s_C1<7, 16>)->Apply(widths);
 
 template <VekStatus (*function)(const int16_t*, int16_t*, int, int, int)>
 void firstRow(benchmark::State& state)

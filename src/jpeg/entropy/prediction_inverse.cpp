@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "frame/vec.h"
 #include "jpeg/entropy/prediction_halves.h"
 #include "jpeg/entropy/prediction_kernels.h"
@@ -81,12 +83,21 @@ void sumOffsets(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int
     }
 }
 
-// Predictors 6 and 7 halve a sum with the sample to the left, so that each sample waits for the one before. Lane 0 of a
-// vector holds it in the form that the average instruction takes; a sample then costs one average and one addition, two
-// cycles:
+// Predictors 6 and 7 halve a sum with the sample to the left:
+//      x(i) = e(i) + ((x(i - 1) + g(i)) >> 1)      6: e = d + b, g = -c      7: e = d, g = b
+// As a halving of a halving is a division by 4, rounding down as well, eight columns hang on the one before them alone:
+//      x(k) = e(k) + ((x(0) + s(k)) >> k)          s(k) = g(1) + the sum of (e(j - 1) + g(j)) << (j - 1), j = 2 to k
+// That holds as long as no sample leaves its 16 bits. Where one does, the samples follow one by one: lane 0 of a vector
+// holds the one to the left in the form that the average instruction takes, and each costs one average and one
+// addition, two cycles:
 //      6:  x' = x + 0x8000:      x'(i) = average(x'(i - 1), ~c') + (d + b)
 //      7:  z = ~(x + 0x8000):    z(i) = average(z(i - 1), ~b') - d
 struct Predictor6 {
+    static __m256i e(__m256i d, __m256i b) { return _mm256_add_epi32(d, b); }
+    static __m256i withG(__m256i x, const int16_t* pPrevRow, __m256i)
+    {
+        return _mm256_sub_epi32(x, _mm256_cvtepi16_epi32(loadU128(pPrevRow - 1)));
+    }
     static constexpr int16_t form = -0x8000;  // x ^ form is x in the form of the chain
     static __m128i next(__m128i left, __m128i d, __m128i b, __m128i c)
     {
@@ -96,6 +107,8 @@ struct Predictor6 {
     static int next(int left, int d, int b, int c) { return d + b + ((left - c) >> 1); }
 };
 struct Predictor7 {
+    static __m256i e(__m256i d, __m256i) { return d; }
+    static __m256i withG(__m256i x, const int16_t*, __m256i b) { return _mm256_add_epi32(x, b); }
     static constexpr int16_t form = 0x7FFF;
     static __m128i next(__m128i left, __m128i d, __m128i b, __m128i)
     {
@@ -105,20 +118,71 @@ struct Predictor7 {
     static int next(int left, int d, int b, int) { return d + ((left + b) >> 1); }
 };
 
-template <typename Predictor>
-void chain(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width)
+constexpr int group = 8;
+
+// Lane k becomes the sum of lanes 0 to k.
+inline __m256i prefixSums32(__m256i x)
 {
-    constexpr int group = 8;
+    x = _mm256_add_epi32(x, _mm256_slli_si256(x, 4));
+    x = _mm256_add_epi32(x, _mm256_slli_si256(x, 8));
+    const __m256i lowHalf = _mm256_permute2x128_si256(x, x, 0x08);  // zero below, the low half above
+    return _mm256_add_epi32(x, _mm256_shuffle_epi32(lowHalf, 0xFF));
+}
+
+// Groups from column i on, up to the first that has a sample beyond 16 bits. Returns its column.
+template <typename Predictor>
+int halveGroups(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int i, int width)
+{
+    const __m256i place = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    const __m256i halvings = _mm256_add_epi32(place, _mm256_set1_epi32(1));
+    const __m256i lastLane = _mm256_set1_epi32(7);
+    __m256i left = _mm256_set1_epi32(pDst[i - 1]);
+    for (; i + group <= width; i += group) {
+        const __m256i b = _mm256_cvtepi16_epi32(loadU128(pPrevRow + i));
+        const __m256i e = Predictor::e(_mm256_cvtepi16_epi32(loadU128(pSrc + i)), b);
+        const __m256i eBefore = _mm256_alignr_epi8(e, _mm256_permute2x128_si256(e, e, 0x08), 12);
+        const __m256i s = prefixSums32(_mm256_sllv_epi32(Predictor::withG(eBefore, pPrevRow + i, b), place));
+        const __m256i x = _mm256_add_epi32(e, _mm256_srav_epi32(_mm256_add_epi32(left, s), halvings));
+        const __m256i beyond = _mm256_add_epi32(x, _mm256_set1_epi32(0x8000));
+        if (!_mm256_testz_si256(beyond, _mm256_set1_epi32(-0x10000)))
+            break;
+        storeU128(pDst + i, _mm_packs_epi32(_mm256_castsi256_si128(x), _mm256_extracti128_si256(x, 1)));
+        left = _mm256_permutevar8x32_epi32(x, lastLane);
+    }
+    return i;
+}
+
+// Groups from column i to `end`, one sample after the other. Returns the next column; fewer than two groups are left if
+// it is not `end`.
+template <typename Predictor>
+int chainGroups(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int i, int end, int width)
+{
     const __m128i form = _mm_set1_epi16(Predictor::form);
-    __m128i left = _mm_xor_si128(_mm_set1_epi16(pDst[0]), form);
-    int i = 1;
-    for (; i + 2 * group <= width; i += group) {  // the loads reach past their one sample by seven
+    __m128i left = _mm_xor_si128(_mm_set1_epi16(pDst[i - 1]), form);
+    for (; i < end && i + 2 * group <= width; i += group) {  // the loads reach past their one sample by seven
         __m128i results = form;
         for (int k = i; k < i + group; ++k) {
             left = Predictor::next(left, loadU128(pSrc + k), loadU128(pPrevRow + k), loadU128(pPrevRow + k - 1));
             results = _mm_alignr_epi8(left, results, 2);
         }
         storeU128(pDst + i, _mm_xor_si128(results, form));
+    }
+    return i;
+}
+
+// Where a sample wraps more of them will: the columns that go one by one then, twice as many every time.
+constexpr int firstChain = 1024;
+constexpr int longestChain = 1 << 20;
+
+template <typename Predictor>
+void halve(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int width)
+{
+    int length = firstChain;
+    int i = 1;
+    while (i + 2 * group <= width) {
+        i = halveGroups<Predictor>(pSrc, pPrevRow, pDst, i, width);
+        i = chainGroups<Predictor>(pSrc, pPrevRow, pDst, i, i + std::min(length, width - i), width);
+        length = std::min(2 * length, longestChain);
     }
     for (; i < width; ++i)
         pDst[i] = static_cast<int16_t>(Predictor::next(pDst[i - 1], pSrc[i], pPrevRow[i], pPrevRow[i - 1]));
@@ -152,10 +216,10 @@ void ownjc_ReconstructPredRow(const int16_t* pSrc, const int16_t* pPrevRow, int1
             sumOffsets<5>(pSrc, pPrevRow, pDst, width);
             break;
         case 6:
-            chain<Predictor6>(pSrc, pPrevRow, pDst, width);
+            halve<Predictor6>(pSrc, pPrevRow, pDst, width);
             break;
         default:
-            chain<Predictor7>(pSrc, pPrevRow, pDst, width);
+            halve<Predictor7>(pSrc, pPrevRow, pDst, width);
             break;
     }
 }

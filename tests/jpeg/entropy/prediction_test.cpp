@@ -44,11 +44,27 @@ Row differences(const Row& row, const Row& above, int predictor)
     return d;
 }
 
+// Of any value, or but for some of them of a picture of 8 or 12 bits, where no sum wraps
 Row randomRow(size_t width, Random& random)
 {
     Row row(width);
-    for (int16_t& v : row) v = random.chance(50) ? random.extreme<int16_t>() : random.any<int16_t>();
+    const int kind = random.in(0, 3);
+    for (int16_t& v : row) {
+        const bool ofPicture = kind != 0 && !(kind == 3 && random.chance(1));
+        v = ofPicture           ? random.in<int16_t>(0, kind == 1 ? 255 : 4095)
+            : random.chance(50) ? random.extreme<int16_t>()
+                                : random.any<int16_t>();
+    }
     return row;
+}
+
+// Widths up to beyond what is done at a time, and beyond how long sums that wrap are reckoned with
+std::vector<int> widths()
+{
+    std::vector<int> result;
+    for (int width = 1; width <= 100; ++width) result.push_back(width);
+    for (const int width : {255, 256, 273, 500, 1024, 1070, 2500, 5000}) result.push_back(width);
+    return result;
 }
 
 // A row right before an unmapped page, or `offset` samples before it, with samples between that stay untouched
@@ -74,7 +90,7 @@ private:
 TEST(LosslessRow, DifferencesAndTheirInverseEqualTheirDefinition)
 {
     Random random(1);
-    for (int width = 1; width <= 100; ++width)
+    for (const int width : widths())
         for (int round = 0; round < 6; ++round)
             for (int predictor = 1; predictor <= 7; ++predictor) {
                 const Row row = randomRow(static_cast<size_t>(width), random);
@@ -100,7 +116,7 @@ TEST(LosslessRow, DifferencesAndTheirInverseEqualTheirDefinition)
 TEST(LosslessFirstRow, DifferencesAndTheirInverseEqualTheirDefinition)
 {
     Random random(2);
-    for (int width = 1; width <= 100; ++width)
+    for (const int width : widths())
         for (int precision = 2; precision <= 16; ++precision)
             for (int transform : {0, 1, precision - 1, precision, 5, 31, 40}) {
                 const Row row = randomRow(static_cast<size_t>(width), random);
@@ -128,6 +144,27 @@ TEST(LosslessRow, TheFirstSampleIsPredictedFromAbove)
         EXPECT_EQ(vekStsOk, vekiReconstructPredRow_JPEG_16s_C1(difference, above, &dst, 1, predictor));
         EXPECT_EQ(105, dst);
     }
+}
+
+// Halvings of sums that just do and just do not leave 16 bits, at every place of a group of columns
+TEST(LosslessRow, SumsAtTheEndsOfTheirRangeAreHalvedAsDefined)
+{
+    Random random(3);
+    for (int round = 0; round < 3000; ++round)
+        for (int predictor = 5; predictor <= 7; ++predictor) {
+            const int width = random.in(9, 40);
+            const auto near =
+                static_cast<int16_t>(random.chance(50) ? 32767 - random.in(0, 3) : -32768 + random.in(0, 3));
+            Row row(static_cast<size_t>(width));
+            Row above(row.size());
+            for (int16_t& v : row) v = wrapped(near + random.in(-2, 2));
+            for (int16_t& v : above) v = random.chance(20) ? random.extreme<int16_t>() : near;
+            Row back(row.size());
+            const Row d = differences(row, above, predictor);
+            ASSERT_EQ(vekStsOk,
+                      vekiReconstructPredRow_JPEG_16s_C1(d.data(), above.data(), back.data(), width, predictor));
+            ASSERT_EQ(row, back);
+        }
 }
 
 TEST(LosslessFirstRow, ReferencesOfTheEnds)
