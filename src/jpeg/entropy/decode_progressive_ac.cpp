@@ -86,7 +86,8 @@ inline void correct(int16_t* pBlock, uint64_t positions, int unit)
     }
 }
 
-// Corrections of coefficients wait in `moved`; they do not matter to what is read.
+// Corrections of coefficients wait in `moved`; they do not matter to what is read, nor to a new value that a run beyond
+// the block puts in the place of one: it has the bit.
 VekStatus readRefinement(AcBits& bits, int16_t* pBlock, const Band& band, const VekDecodeHuffmanSpec& table,
                          int& eobRun, uint64_t& moved)
 {
@@ -123,8 +124,6 @@ VekStatus readRefinement(AcBits& bits, int16_t* pBlock, const Band& band, const 
                 return status;
             if (isNew) {
                 const int k = zero == 0 ? band.last + 1 : std::countr_zero(zero);
-                if (k > 63)
-                    moved &= ~(uint64_t{1} << 63);  // it takes the place of the last coefficient
                 storeScalar(at(pBlock, k), static_cast<int16_t>(withSign(unit, value - 1)));
             }
             left = behind & (behind - 1);

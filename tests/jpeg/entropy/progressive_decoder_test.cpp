@@ -415,6 +415,18 @@ TEST(ProgressiveDecoder, ARunBeyondTheBlockStaysInTheBlock)
     }
 }
 
+TEST(ProgressiveDecoder, ANewValueBeyondTheBlockReplacesTheLastCoefficientEvenIfItIsCorrected)
+{
+    const Tables tables(huffman::luminanceDc(), huffman::lists({1}, {0x01}));
+    for (const char* const sign : {"1", "0"}) {
+        TwoBandReaders readers(tables, bytesOf(std::string("0") + sign + "1"));
+        Block block{};
+        block[63] = 24;
+        EXPECT_EQ(vekStsOk, readers.decode(Pass::Refine, block, {63, 63, 2}));
+        EXPECT_EQ(*sign == '1' ? 4 : -4, block[63]);
+    }
+}
+
 TEST(ProgressiveDecoder, CorrectionsGoAwayFromZeroAndOnlyOnce)
 {
     // Symbol 0x00: the whole band is corrected by 1 1 1 1.
