@@ -235,8 +235,8 @@ VEK_API VekStatus vekiWTInvColLift_B53_JPEG2K_32s_C1(const int32_t* pSrcLow0, co
  *  The ends of a line of w pairs, w of 3 or more, are, of all the results that its outputs depend on, the first four
  *  and the last one of stage 1, the first three and the last one of stage 2, the first two and the last one of stage 3,
  *  the first one and the last one of stage 4; in the inverse filter as well. Of high samples, the last two with phase
- *  0, the first and the last one otherwise. Shorter lines are all ends. A row of a single pair is not lifted: the forward
- *  row forms then apply the nine and the seven taps of the filter,
+ *  0, the first and the last one otherwise. Shorter lines are all ends. A row of a single pair is not lifted: the
+ *  forward row forms then apply the nine and the seven taps of the filter,
  *
  *      low  = 0.602949 x0 + 0.26686412 x1 - 0.078223266 x2 - 0.01686412 x3 + 0.026748758 x4
  *      high = 1.115087 x0 - 0.59127176 x1 - 0.057543527 x2 + 0.091271766 x3

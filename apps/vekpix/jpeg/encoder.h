@@ -49,8 +49,8 @@ inline int encodePasses(const Shape& picture, const EncodeOptions& options)
     return makesTables(picture, options) || storesCoefficients(options) ? 2 : 1;
 }
 
-// An Error if the options or the picture's size do not suit the format, or if its samples have neither 8 nor 12 bits and
-// are not to be coded without loss.
+// An Error if the options or the picture's size do not suit the format, or if its samples have neither 8 nor 12 bits
+// and are not to be coded without loss.
 // Memory: a few bands; if tables are made, the whole picture too if it comes from a source that cannot be rewound; with
 // more scans than one, all coefficients and the coded scans.
 void encode(RowReader& picture, ByteSink& file, const EncodeOptions& options);

@@ -65,8 +65,8 @@ struct Frame {
     int componentHeight(size_t index) const;
 };
 
-// One component of a scan with the tables that were in force when the scan began. Progressive and lossless scans have only those
-// Huffman tables that they need.
+// One component of a scan with the tables that were in force when the scan began. Progressive and lossless scans have
+// only those Huffman tables that they need.
 struct ScanComponent {
     int index = 0;  // in Frame::components
     int dcTableSlot = 0;
