@@ -1,6 +1,6 @@
 """Makes seeds/huffman_decode_fuzz and seeds/huffman_encode_fuzz from the files in seeds/vekpix_decode_fuzz. Each begins
-with the first DC table and the first AC table; then come an empty bit buffer and the entropy-coded segments of the first
-scan; or the encoder's room, position, state and blocks. Not a part of any build."""
+with the first DC table and the first AC table; then come an empty bit buffer and the entropy-coded segments of the
+first scan; or the encoder's room, position, state and blocks. Not a part of any build."""
 import pathlib
 import random
 
