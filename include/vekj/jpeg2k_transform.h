@@ -349,4 +349,144 @@ VEK_API VekStatus vekiWTInvColLift_D97_JPEG2K_32f_C1(const float* pSrcLow, const
                                                      float* pSrcDst2, float* pDst3, float* pDst4, int width);
 /** @} */
 
+/** @name Whole tiles
+ *  One level of the two-dimensional wavelet transform of a tile-component (ISO/IEC 15444-1, Annex F), by the
+ *  reversible 5/3 filter (B53) or the irreversible 9/7 filter (D97): forward all columns, then all rows, inverse all
+ *  rows, then all columns. Lines are extended at their ends by whole-sample symmetry.
+ *
+ *  `pTileRect` gives the size of the tile and, in the lowest bits of `x` and `y`, the parity of its first sample's
+ *  position. In a line of n samples those at even positions are low-pass: (n + 1) / 2 of them if the first one is
+ *  even, else n / 2. In place (`C1IR`) a transformed line holds its low-pass samples first.
+ *
+ *  With `C1R`, the four planes are LL, LH (horizontally low, vertically high), HL and HH. Their sizes are those of an
+ *  even origin whatever x and y are: (w + 1) / 2 by (h + 1) / 2, (w + 1) / 2 by h / 2, w / 2 by (h + 1) / 2 and w / 2
+ *  by h / 2. So with an odd origin and an odd size the boundary between planes is one sample off that between bands:
+ *  use the forms in place there.
+ *
+ *  A line of one sample is doubled, wrapping, if its position is odd, and halved again, towards zero. The 5/3 filter
+ *  is that of the row forms; a line of two has H = O - E and L = E + ((H + 1) >> 1). The stages of the 9/7 filter, as
+ *  the row forms have them, are here
+ *
+ *  - of 16-bit samples in Q14, with r(v) = (v + 8192) >> 14 and results cut to 16 bits: o += r(-25987 (e + e2)), e +=
+ *    r(-868 (o + o2)), o += r(14466 (e + e2)), low = r(13318 (e + r(7266 (o + o2)))), high = r(20155 o); inverse e =
+ *    r(20155 low) and o = r(13318 high), from which the steps are subtracted in reverse order;
+ *  - of 32-bit samples in single precision by fused multiply-adds, where the first sum of two stored samples is formed
+ *    in wrapping integers, and 1 / K = 0.8128931, K = 1.2301741, d / K = 0.36052364; results are truncated towards
+ *    zero, above 2^31 clipped to 0x7FFFFFFF, below -2^31 to 0x80000000, and 2^31 gives 0x80000000.
+ *
+ *  `pBuffer` is scratch of the size that vekiWTGetBufSize...() tells for the same form and rectangle; it is never read
+ *  before it is written. Nothing needs alignment. Steps are in bytes.
+ *
+ *  The forms in place return vekStsOk, or the first that applies, with nothing written: vekStsNullPointer (pSrcDst),
+ *  vekStsBadStep (srcDstStep below 1), vekStsNullPointer (pTileRect, pBuffer). Sizes are not checked: a height below 1
+ *  counts as one row for the columns and as none for the rows. The forms with planes return vekStsOk, or the first
+ *  that applies, with nothing written: vekStsNullPointer (any argument), vekStsBadStep (the image's step below 1),
+ *  vekStsNullPointer (a plane), vekStsBadStep (a plane's step below 1), vekStsBadSize (a side below 1).
+ *  @{ */
+
+/** Bytes of scratch for the B53 forms in place on 16s samples: 0 if both sides are below 3, else 2 for each sample of
+ *  the longer side and 8 more.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_B53_JPEG2K_16s_C1IR(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 16s samples by B53 in place. */
+VEK_API VekStatus vekiWTFwd_B53_JPEG2K_16s_C1IR(int16_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Undoes vekiWTFwd_B53_JPEG2K_16s_C1IR(). */
+VEK_API VekStatus vekiWTInv_B53_JPEG2K_16s_C1IR(int16_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Bytes of scratch for the B53 forms with planes of 16s samples: those of vekiWTGetBufSize_B53_JPEG2K_16s_C1IR() and
+ *  an image whose rows are rounded up to 32 bytes.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_B53_JPEG2K_16s_C1R(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 16s samples by B53 into four planes. */
+VEK_API VekStatus vekiWTFwd_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, const VekRect* pTileRect,
+                                               int16_t* const pDst[4], const int dstStep[4], uint8_t* pBuffer);
+
+/** Puts a tile of 16s samples together from four planes by B53. */
+VEK_API VekStatus vekiWTInv_B53_JPEG2K_16s_C1R(const int16_t* const pSrc[4], const int srcStep[4], int16_t* pDst,
+                                               int dstStep, const VekRect* pTileRect, uint8_t* pBuffer);
+
+/** Bytes of scratch for the B53 forms in place on 32s samples: 0 if both sides are below 3, else 4 for each sample of
+ *  the longer side and 16 more.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_B53_JPEG2K_32s_C1IR(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 32s samples by B53 in place. */
+VEK_API VekStatus vekiWTFwd_B53_JPEG2K_32s_C1IR(int32_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Undoes vekiWTFwd_B53_JPEG2K_32s_C1IR(). */
+VEK_API VekStatus vekiWTInv_B53_JPEG2K_32s_C1IR(int32_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Bytes of scratch for the B53 forms with planes of 32s samples: those of vekiWTGetBufSize_B53_JPEG2K_32s_C1IR() and
+ *  an image whose rows are rounded up to 32 bytes.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_B53_JPEG2K_32s_C1R(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 32s samples by B53 into four planes. */
+VEK_API VekStatus vekiWTFwd_B53_JPEG2K_32s_C1R(const int32_t* pSrc, int srcStep, const VekRect* pTileRect,
+                                               int32_t* const pDst[4], const int dstStep[4], uint8_t* pBuffer);
+
+/** Puts a tile of 32s samples together from four planes by B53. */
+VEK_API VekStatus vekiWTInv_B53_JPEG2K_32s_C1R(const int32_t* const pSrc[4], const int srcStep[4], int32_t* pDst,
+                                               int dstStep, const VekRect* pTileRect, uint8_t* pBuffer);
+
+/** Bytes of scratch for the D97 forms in place on 16s samples: 0 if both sides are below 2, else 2 for each sample of
+ *  the longer side and 16 more.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_D97_JPEG2K_16s_C1IR(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 16s samples by D97 in place. */
+VEK_API VekStatus vekiWTFwd_D97_JPEG2K_16s_C1IR(int16_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Undoes vekiWTFwd_D97_JPEG2K_16s_C1IR() but for rounding. */
+VEK_API VekStatus vekiWTInv_D97_JPEG2K_16s_C1IR(int16_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Bytes of scratch for the D97 forms with planes of 16s samples: those of vekiWTGetBufSize_D97_JPEG2K_16s_C1IR() and
+ *  an image whose rows are rounded up to 32 bytes.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_D97_JPEG2K_16s_C1R(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 16s samples by D97 into four planes. */
+VEK_API VekStatus vekiWTFwd_D97_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, const VekRect* pTileRect,
+                                               int16_t* const pDst[4], const int dstStep[4], uint8_t* pBuffer);
+
+/** Puts a tile of 16s samples together from four planes by D97. */
+VEK_API VekStatus vekiWTInv_D97_JPEG2K_16s_C1R(const int16_t* const pSrc[4], const int srcStep[4], int16_t* pDst,
+                                               int dstStep, const VekRect* pTileRect, uint8_t* pBuffer);
+
+/** Bytes of scratch for the D97 forms in place on 32s samples: 0 if both sides are below 2, else 4 for each sample of
+ *  the longer side and 32 more.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_D97_JPEG2K_32s_C1IR(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 32s samples by D97 in place. */
+VEK_API VekStatus vekiWTFwd_D97_JPEG2K_32s_C1IR(int32_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Undoes vekiWTFwd_D97_JPEG2K_32s_C1IR() but for rounding. */
+VEK_API VekStatus vekiWTInv_D97_JPEG2K_32s_C1IR(int32_t* pSrcDst, int srcDstStep, const VekRect* pTileRect,
+                                                uint8_t* pBuffer);
+
+/** Bytes of scratch for the D97 forms with planes of 32s samples: those of vekiWTGetBufSize_D97_JPEG2K_32s_C1IR() and
+ *  an image whose rows are rounded up to 32 bytes.
+ *  @return vekStsOk, or vekStsNullPointer with nothing written */
+VEK_API VekStatus vekiWTGetBufSize_D97_JPEG2K_32s_C1R(const VekRect* pTileRect, int* pSize);
+
+/** Transforms a tile of 32s samples by D97 into four planes. */
+VEK_API VekStatus vekiWTFwd_D97_JPEG2K_32s_C1R(const int32_t* pSrc, int srcStep, const VekRect* pTileRect,
+                                               int32_t* const pDst[4], const int dstStep[4], uint8_t* pBuffer);
+
+/** Puts a tile of 32s samples together from four planes by D97. */
+VEK_API VekStatus vekiWTInv_D97_JPEG2K_32s_C1R(const int32_t* const pSrc[4], const int srcStep[4], int32_t* pDst,
+                                               int dstStep, const VekRect* pTileRect, uint8_t* pBuffer);
+/** @} */
+
 #endif

@@ -50,4 +50,12 @@ typedef struct VekSize {
     int32_t height; /**< rows */
 } VekSize;
 
+/** A rectangle on a reference grid: its first sample, and its size. */
+typedef struct VekRect {
+    int32_t x;      /**< column of the first sample */
+    int32_t y;      /**< row of the first sample */
+    int32_t width;  /**< samples in a row */
+    int32_t height; /**< rows */
+} VekRect;
+
 #endif

@@ -124,7 +124,7 @@ private:
         alongStrip<T>(width, [=](int i, auto count) {
             __m256i l = loadLanes(low + i, count);
             __m256i h = loadLanes(high + i, count);
-            if constexpr (!By::plainInverse) {
+            if constexpr (!By::bandsAsStored) {
                 l = By::low(l);
                 h = By::high(h);
             }
@@ -145,7 +145,7 @@ private:
     template <typename By>
     static __m256i result(__m256i v)
     {
-        if constexpr (By::plainInverse)
+        if constexpr (By::samplesAsStored)
             return v;
         else
             return By::sample(v);

@@ -4,13 +4,11 @@
 
 namespace q3 {
 
-// Its first inverse stage takes low and high samples as they are stored, and the last ones give samples as they are
-// stored. Otherwise low(), high() and sample() convert them.
+// Whether its first inverse stages take low and high samples as they are stored, or want them through low() and high();
+// and whether the last ones give samples as they are stored, or want them put through sample().
 struct PlainInverse {
-    static constexpr bool plainInverse = true;
-};
-struct ConvertingInverse {
-    static constexpr bool plainInverse = false;
+    static constexpr bool bandsAsStored = true;
+    static constexpr bool samplesAsStored = true;
 };
 
 }  // namespace q3

@@ -64,7 +64,7 @@ struct LineFilter97 {
     {
         const int w = pairs;
         const int count = k1 - k0 + 1;
-        if constexpr (!Stages::plainInverse) {
+        if constexpr (!Stages::bandsAsStored) {
             scalePiece(piece.even(k0 - 1), count + 3, Stages::low);
             scalePiece(piece.odd(k0 - 2), count + 4, Stages::high);
         }
@@ -76,7 +76,7 @@ struct LineFilter97 {
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::inverse3(v, l, r); });
         lift(piece.odd(k0), piece.even(k0), piece.even(k0 + 1), {k0, k1}, {1, w - 2},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::inverse4(v, l, r); });
-        if constexpr (!Stages::plainInverse) {
+        if constexpr (!Stages::samplesAsStored) {
             scalePiece(piece.even(k0), count + 1, Stages::sample);
             scalePiece(piece.odd(k0), count, Stages::sample);
         }

@@ -2,6 +2,7 @@
 #ifndef VEK_TESTS_JPEG2K_TRANSFORM_SAMPLE_PLANE_H
 #define VEK_TESTS_JPEG2K_TRANSFORM_SAMPLE_PLANE_H
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <type_traits>
@@ -39,7 +40,10 @@ public:
     // have, at times with much smaller ones among them.
     void fill(Random& random)
     {
-        for (size_t i = 0; i < extent(); ++i) bytes_->data()[i] = random.any<uint8_t>();
+        for (size_t i = 0; i < extent(); i += sizeof(uint64_t)) {
+            const uint64_t bits = random.bits();
+            std::memcpy(bytes_->data() + i, &bits, std::min(sizeof bits, extent() - i));
+        }
         const bool extremes = random.chance(30);
         for (int y = 0; y < size_.height; ++y)
             for (int x = 0; x < size_.width; ++x) set(x, y, sample(random, extremes));
