@@ -168,6 +168,15 @@ public:
             for (size_t i = 0; i < p.bytes(); ++i)
                 p.memory->data()[i] = random.chance(30) ? random.extreme<uint8_t>() : random.any<uint8_t>();
     }
+    // Sets byte `offset` of every `distance` bytes of a plane to value(column, row).
+    template <typename Value>
+    void set(int plane, int distance, int offset, const Value& value)
+    {
+        const Plane& p = planes_[static_cast<size_t>(plane)];
+        for (int y = 0; y < p.height; ++y)
+            for (int x = 0; distance * x + offset < p.width; ++x)
+                *at(plane, distance * x + offset, y) = static_cast<uint8_t>(value(x, y));
+    }
     uint8_t* at(int plane, int x, int y)
     {
         Plane& p = planes_[static_cast<size_t>(plane)];
@@ -198,6 +207,22 @@ private:
     };
     std::vector<Plane> planes_;
 };
+
+// Gives two of the channels every pair of values, one counting columns and one rows; packed pixels become every word.
+void sweepPairs(const Member& m, Image& image)
+{
+    const auto column = [](int x, int) { return x; };
+    const auto row = [](int, int y) { return y; };
+    if (m.srcPlanes > 1) {
+        image.set(1, 1, 0, column);
+        image.set(2, 1, 0, row);
+        return;
+    }
+    const int distance = m.stream() ? 4 : m.srcBytes;
+    const int first = m.greenBits != 0 ? 0 : 1;
+    image.set(0, distance, first, column);
+    image.set(0, distance, m.stream() ? 3 : first + 1, row);
+}
 
 // Puts R, G, B into a pixel of the destination, or into its planes.
 void putRgb(const Member& m, Image& image, int x, int y, Triple c, int black)
@@ -307,14 +332,18 @@ void modelToSubsampled(const Member& m, Image& src, Image& dst, VekSize whole, i
 
 class Colour : public testing::TestWithParam<Member> {
 protected:
+    enum class Pairs { Any, Every };
+
     // One region; the result is compared with the model's byte for byte, gaps included.
-    void expectRegion(VekSize roi, Random& random)
+    void expectRegion(VekSize roi, Random& random, Pairs pairs = Pairs::Any)
     {
         const Member& m = GetParam();
         const VekSize whole = m.whole(roi);
         Image src(m.srcPlanes, m.srcBytes, m.chromaRows, whole, random);
         Image dst(m.dstPlanes, m.dstBytes, m.chromaRows, whole, random);
         src.fill(random);
+        if (pairs == Pairs::Every)
+            sweepPairs(m, src);
         const auto untouched = dst.content();
         Arguments a;
         a.roi = roi;
@@ -346,6 +375,15 @@ TEST_P(Colour, EqualsItsModelInEveryWidth)
             if (HasFatalFailure())
                 return;
         }
+}
+
+TEST_P(Colour, EqualsItsModelOnEveryPairOfTwoChannels)
+{
+    Random random(4);
+    const Member& m = GetParam();
+    const bool sharedChroma = m.srcPlanes > 1 && m.chromaRows > 0;
+    expectRegion({sharedChroma || m.stream() ? 512 : 256, sharedChroma ? 256 * m.chromaRows : 256}, random,
+                 Pairs::Every);
 }
 
 TEST_P(Colour, EqualsItsModelOnRegionsForSeveralThreads)
