@@ -161,6 +161,7 @@ int chainGroups(const int16_t* pSrc, const int16_t* pPrevRow, int16_t* pDst, int
     __m128i left = _mm_xor_si128(_mm_set1_epi16(pDst[i - 1]), form);
     for (; i < end && i + 2 * group <= width; i += group) {  // the loads reach past their one sample by seven
         __m128i results = form;
+#pragma GCC unroll 8
         for (int k = i; k < i + group; ++k) {
             left = Predictor::next(left, loadU128(pSrc + k), loadU128(pPrevRow + k), loadU128(pPrevRow + k - 1));
             results = _mm_alignr_epi8(left, results, 2);
