@@ -4,6 +4,9 @@
 #include <string>
 
 #include "apps/vekpix/jpeg_peer.h"
+#include "image/depth_rows.h"
+#include "image/memory_rows.h"
+#include "jpeg/encoder.h"
 
 int main(int argc, char** argv)
 {
@@ -13,10 +16,29 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: %s DIRECTORY\n", argv[0]);
         return 1;
     }
-    const auto save = [&](const std::string& name, const peer::Picture& picture, const peer::WriteOptions& options) {
-        const std::vector<uint8_t> file = peer::write(picture, options);
+    const auto store = [&](const std::string& name, const std::vector<uint8_t>& file) {
         std::ofstream out(std::string(argv[1]) + "/" + name + ".jpg", std::ios::binary);
         out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    };
+    const auto save = [&](const std::string& name, const peer::Picture& picture, const peer::WriteOptions& options) {
+        store(name, peer::write(picture, options));
+    };
+    // Kinds that the independent codec does not write.
+    using vekpix::jpeg::EncodeOptions;
+    const auto saveDeep = [&](const std::string& name, int channels, int bits, const auto& choose) {
+        const peer::Picture soft = peer::draw(17, 9, channels, Scene::Soft);
+        vekpix::Raster picture(vekpix::Shape{soft.width, soft.height, channels, bits});
+        for (size_t i = 0; i < soft.pixels.size(); ++i) {
+            const int value = bits == 8 ? soft.pixels[i] : soft.pixels[i] << (bits - 8) | soft.pixels[i] % 7;
+            vekpix::setSample(picture.pixels.data(), i, picture.shape.sampleBytes(), value);
+        }
+        EncodeOptions options;
+        options.quality = 40;
+        choose(options);
+        vekpix::MemoryRows rows(picture);
+        vekpix::MemorySink sink;
+        vekpix::jpeg::encode(rows, sink, options);
+        store(name, sink.bytes());
     };
     const peer::Picture colour = peer::draw(35, 21, 3, Scene::Soft);
     const peer::Picture harsh = peer::draw(19, 17, 3, Scene::Harsh);
@@ -63,5 +85,27 @@ int main(int argc, char** argv)
           .optimise = true,
           .jfif = false,
           .adobe = true});
+    saveDeep("extended_12", 1, 12, [](EncodeOptions&) {});
+    saveDeep("extended_12_420", 3, 12, [](EncodeOptions& options) { options.restartInterval = 2; });
+    saveDeep("extended_12_inks", 4, 12, [](EncodeOptions&) {});
+    saveDeep("lossless", 1, 8, [](EncodeOptions& options) { options.lossless = true; });
+    saveDeep("lossless_rgb_restart", 3, 8, [](EncodeOptions& options) {
+        options.lossless = true;
+        options.predictor = 4;
+        options.restartInterval = 3;
+    });
+    saveDeep("lossless_16", 1, 16, [](EncodeOptions& options) {
+        options.lossless = true;
+        options.predictor = 7;
+    });
+    saveDeep("lossless_12_point_transform", 3, 12, [](EncodeOptions& options) {
+        options.lossless = true;
+        options.predictor = 6;
+        options.pointTransform = 4;
+    });
+    saveDeep("lossless_inks", 4, 8, [](EncodeOptions& options) {
+        options.lossless = true;
+        options.predictor = 2;
+    });
     return 0;
 }

@@ -13,7 +13,7 @@ inline peer::Picture decode(std::span<const uint8_t> file, const vekpix::jpeg::D
 {
     vekpix::jpeg::Decoder decoder(file, options);
     peer::Picture picture{decoder.width(), decoder.height(), decoder.channels(), {}};
-    const size_t step = static_cast<size_t>(picture.width) * static_cast<size_t>(picture.channels);
+    const size_t step = decoder.shape().rowBytes();
     size_t filled = 0;
     for (;;) {  // memory grows with what is decoded: a file may claim any size
         const size_t rows = static_cast<size_t>(std::min(decoder.bandRows(), picture.height));
