@@ -101,16 +101,17 @@ void encodeMember(benchmark::State& state, Encode function, Layout layout, int p
     state.SetItemsProcessed(state.iterations() * row.pixels());
 }
 
-// Rows of samples of 8 bits and of pixels, with the pointers that the peers want.
+// Rows of samples of 8 bits and of pixels, with the pointers that the peers want. Rows of pixels begin 16 bytes past a
+// 32-byte boundary: at the boundary the peers would write around the cache.
 struct PeerRow {
     PeerRow(const benchmark::State& state, Layout l)
-        : layout(l), width(static_cast<int>(state.range(0))), rgb(3 * width, l.mcuHeight)
+        : layout(l), width(static_cast<int>(state.range(0))), rgb(3 * width + pastBoundary, l.mcuHeight)
     {
         for (size_t i = 0; i < 6; ++i) {
             samples.emplace_back(width, layout.mcuHeight, i);
             for (int y = 0; y < layout.mcuHeight; ++y) rows[i].push_back(samples[i].data() + y * samples[i].step());
         }
-        for (int y = 0; y < layout.mcuHeight; ++y) rgbRows.push_back(rgb.data() + y * rgb.step());
+        for (int y = 0; y < layout.mcuHeight; ++y) rgbRows.push_back(rgb.data() + pastBoundary + y * rgb.step());
         for (size_t i = 0; i < 3; ++i) {
             fullPlanes[i] = rows[i].data();
             sharedPlanes[i] = i == 0 ? rows[0].data() : rows[i + 3].data();
@@ -119,6 +120,7 @@ struct PeerRow {
     }
     int64_t pixels() const { return int64_t{width} * layout.mcuHeight; }
 
+    static constexpr int pastBoundary = 16;
     Layout layout;
     int width;
     Plane<uint8_t> rgb;
