@@ -142,13 +142,13 @@ TEST(LosslessEncoder, EqualsItsModelWithCategoriesMissing)
     int successes = 0;
     for (int round = 0; round < rounds(1500) && !HasFailure(); ++round) {
         std::vector<Table> tables;
-        for (int i = 0; i < 4; ++i) tables.emplace_back(lossless::randomLists(random, random.in(10, 17)));
+        for (int i = 0; i < 4; ++i) tables.emplace_back(lossless::randomLists(random, random.in(12, 17)));
         TwoStreams streams(4000);
-        ++(writeAnything(streams, tables, random, 5, 20) == vekStsOk ? successes : failures);
+        ++(writeAnything(streams, tables, random, random.in(1, 4), 20) == vekStsOk ? successes : failures);
         streams.flush(true);
     }
-    EXPECT_LT(20, failures);
-    EXPECT_LT(20, successes);
+    EXPECT_LT(3, failures);
+    EXPECT_LT(3, successes);
 }
 
 // Of an entry's code only its length's lowest bits count, and with a length of 0 the entry is no code.
@@ -167,7 +167,7 @@ TEST(LosslessEncoder, EqualsItsModelWithEntriesOfAnyValue)
         TwoStreams streams(4000);
         failures += writeAnything(streams, tables, random, 6, 20) != vekStsOk;
     }
-    EXPECT_LT(20, failures);
+    EXPECT_LT(3, failures);
 }
 
 TEST(LosslessEncoder, EqualsItsModelInEveryRoom)
