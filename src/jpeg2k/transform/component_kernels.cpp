@@ -6,8 +6,9 @@ namespace q3 {
 
 namespace {
 
+// The rows come by value, so that no store can change where they lie.
 template <typename Arithmetic, typename Src, typename Dst>
-void transformRow(const Src& src, const Dst& dst, int width, bool pixelByPixel)
+void transformRow(Src src, Dst dst, int width, bool pixelByPixel)
 {
     constexpr int lanes = lanesOf<typename Dst::Sample>;
     int i = 0;

@@ -15,6 +15,17 @@ std::array<T*, 3> rowOfPlanes(T* const planes[3], int step, int y)
     return {rowAt(planes[0], step, y), rowAt(planes[1], step, y), rowAt(planes[2], step, y)};
 }
 
+// Rows that follow one another without gaps are one long row.
+template <typename T>
+VekSize joinedRows(VekSize roiSize, int64_t pixelStep, int64_t planeStep)
+{
+    const int64_t rowBytes = int64_t{roiSize.width} * int64_t{sizeof(T)};
+    const int64_t pixels = int64_t{roiSize.width} * roiSize.height;
+    if (planeStep != rowBytes || pixelStep != 3 * rowBytes || pixels > INT32_MAX)
+        return roiSize;
+    return {static_cast<int32_t>(pixels), 1};
+}
+
 template <auto kernel, typename T>
 VekStatus toPlanes(const T* pSrc, int srcStep, T* const pDst[3], int dstStep, VekSize roiSize)
 {
@@ -24,8 +35,9 @@ VekStatus toPlanes(const T* pSrc, int srcStep, T* const pDst[3], int dstStep, Ve
     VEK_CHECK_STEP(srcStep);
     VEK_CHECK_STEP(dstStep);
     VEK_CHECK_SIZE(roiSize);
-    for (int y = 0; y < roiSize.height; ++y)
-        kernel(rowAt(pSrc, srcStep, y), rowOfPlanes(pDst, dstStep, y).data(), roiSize.width);
+    const VekSize rows = joinedRows<T>(roiSize, srcStep, dstStep);
+    for (int y = 0; y < rows.height; ++y)
+        kernel(rowAt(pSrc, srcStep, y), rowOfPlanes(pDst, dstStep, y).data(), rows.width);
     return vekStsOk;
 }
 
@@ -38,8 +50,9 @@ VekStatus fromPlanes(const T* const pSrc[3], int srcStep, T* pDst, int dstStep, 
     VEK_CHECK_STEP(srcStep);
     VEK_CHECK_STEP(dstStep);
     VEK_CHECK_SIZE(roiSize);
-    for (int y = 0; y < roiSize.height; ++y)
-        kernel(rowOfPlanes(pSrc, srcStep, y).data(), rowAt(pDst, dstStep, y), roiSize.width);
+    const VekSize rows = joinedRows<T>(roiSize, dstStep, srcStep);
+    for (int y = 0; y < rows.height; ++y)
+        kernel(rowOfPlanes(pSrc, srcStep, y).data(), rowAt(pDst, dstStep, y), rows.width);
     return vekStsOk;
 }
 
@@ -50,7 +63,8 @@ VekStatus inPlace(T* const pSrcDst[3], int srcDstStep, VekSize roiSize)
     VEK_CHECK_PLANES(pSrcDst, 3);
     VEK_CHECK_STEP(srcDstStep);
     VEK_CHECK_SIZE(roiSize);
-    for (int y = 0; y < roiSize.height; ++y) kernel(rowOfPlanes(pSrcDst, srcDstStep, y).data(), roiSize.width);
+    const VekSize rows = joinedRows<T>(roiSize, 3 * int64_t{srcDstStep}, srcDstStep);
+    for (int y = 0; y < rows.height; ++y) kernel(rowOfPlanes(pSrcDst, srcDstStep, y).data(), rows.width);
     return vekStsOk;
 }
 

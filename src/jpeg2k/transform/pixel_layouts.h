@@ -86,7 +86,9 @@ struct PlaneRow {
     }
     void store(int i, const Triple& t, int count) const
     {
-        for (int c = 0; c < 3; ++c) storeLanes(plane[c] + i, t.v[c], count);
+        storeLanes(plane[0] + i, t.v[0], count);
+        storeLanes(plane[1] + i, t.v[1], count);
+        storeLanes(plane[2] + i, t.v[2], count);
     }
 };
 
@@ -108,12 +110,10 @@ struct PixelRow {
     {
         T* p = pixels + 3 * int64_t{i};
         const Triple joined = Interleaving<sizeof(T)>::join(t);
-        if (count == lanesOf<T>) {
-            for (int c = 0; c < 3; ++c) storeHalves(p, c, joined.v[c]);
-            return;
-        }
+        if (count == lanesOf<T>)
+            return storeAll(p, joined);
         T whole[3 * lanesOf<T>];
-        for (int c = 0; c < 3; ++c) storeHalves(whole, c, joined.v[c]);
+        storeAll(whole, joined);
         std::memcpy(p, whole, static_cast<size_t>(count) * 3 * sizeof(T));
     }
 
@@ -122,6 +122,12 @@ private:
     static __m256i halves(const T* p, int c)
     {
         return _mm256_inserti128_si256(_mm256_castsi128_si256(loadU128(p + c * half)), loadU128(p + (c + 3) * half), 1);
+    }
+    static void storeAll(T* p, const Triple& joined)
+    {
+        storeHalves(p, 0, joined.v[0]);
+        storeHalves(p, 1, joined.v[1]);
+        storeHalves(p, 2, joined.v[2]);
     }
     static void storeHalves(T* p, int c, __m256i v)
     {

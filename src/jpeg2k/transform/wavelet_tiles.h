@@ -6,60 +6,102 @@
 
 namespace q3 {
 
-// Columns are filtered in strips, as many at a time as fit into this much of the stack. A column that does not fit goes
-// through the caller's buffer, which holds a line.
-constexpr int stripScratchBytes = 128 * 1024;
+// In place, columns are filtered in strips: as many side by side as this much of the stack holds the set-aside half of.
+// A column too long for it goes through the caller's buffer, which holds a line.
+constexpr int stripScratchBytes = 144 * 1024;  // 16 columns of 32 bits, 4096 rows long
 
-// Calls pass(src, dst, columns) for strips of a block of n rows, with src a copy of the strip.
+// Calls pass(strip, scratch, columns) for strips of a block of which `rows` rows are to be set aside.
 template <typename T, typename Pass>
-inline void overStrips(const Region<T>& block, int width, int n, T* spare, const Pass& pass)
+inline void overStrips(const Region<T>& block, int width, int rows, T* spare, const Pass& pass)
 {
     alignas(64) unsigned char scratch[stripScratchBytes];
-    int columns =
-        static_cast<int>(std::min<int64_t>(stripColumns<T>, stripScratchBytes / (int64_t{n} * int64_t{sizeof(T)})));
+    const int64_t room = stripScratchBytes / (int64_t{rows} * int64_t{sizeof(T)});
+    int columns = static_cast<int>(std::min<int64_t>(stripColumns<T>, room));
     if (columns > lanesOf<T>)
         columns -= columns % lanesOf<T>;
-    T* const copies = columns == 0 ? spare : reinterpret_cast<T*>(scratch);
+    T* const aside = columns == 0 ? spare : reinterpret_cast<T*>(scratch);
     columns = std::max(columns, 1);
-    const Region<T> copy = {copies, columns * static_cast<int>(sizeof(T))};
-    for (int c = 0; c < width; c += columns) {
-        const int count = std::min(columns, width - c);
-        const Region<T> strip = {block.data + c, block.step};
-        for (int y = 0; y < n; ++y) std::memcpy(copy.row(y), strip.row(y), static_cast<size_t>(count) * sizeof(T));
-        pass(Region<const T>{copy.data, copy.step}, strip, count);
-    }
+    for (int c = 0; c < width; c += columns)
+        pass(Region<T>{block.data + c, block.step}, Region<T>{aside, columns * static_cast<int>(sizeof(T))},
+             std::min(columns, width - c));
+}
+
+template <typename T>
+inline void copyRows(const Region<const T>& src, const Region<T>& dst, int width, int height)
+{
+    for (int y = 0; y < height; ++y) std::memcpy(dst.row(y), src.row(y), static_cast<size_t>(width) * sizeof(T));
+}
+template <typename T>
+inline Region<const T> readOnly(const Region<T>& region)
+{
+    return {region.data, region.step};
+}
+
+// From this length on no low row overtakes the rows that are still to be read, mirrored ones included; shorter columns
+// are copied as a whole.
+constexpr int shortestInPlace = 16;
+
+template <typename Tile, typename T>
+inline void forwardColumnsInPlace(const Region<T>& block, int width, int n, int phase, T* spare)
+{
+    if (n == 1 || (Tile::closedFormOfTwo && n == 2))
+        return forwardColumnsOfBlock<Tile>(readOnly(block), block, width, n, phase);
+    if (n < shortestInPlace)
+        return overStrips(block, width, n, spare, [=](const auto& strip, const auto& copy, int columns) {
+            copyRows(readOnly(strip), copy, columns, n);
+            forwardColumnsOfBlock<Tile>(readOnly(copy), strip, columns, n, phase);
+        });
+    const int lowCount = lowCountOf(n, phase);
+    overStrips(block, width, n - lowCount, spare, [=](const auto& strip, const auto& high, int columns) {
+        forwardColumns(
+            typename Tile::Columns{}, [&](int i) { return strip.row(mirrored(i, n)); }, phase,
+            [&](int i) { return strip.row(i); }, lowCount, [&](int i) { return high.row(i); }, n - lowCount, columns);
+        copyRows(readOnly(high), Region<T>{strip.row(lowCount), strip.step}, columns, n - lowCount);
+    });
+}
+
+// The low rows are set aside, and the last few high ones, which mirrored reads ask for when they are overwritten.
+template <typename Tile, typename T>
+inline void inverseColumnsInPlace(const Region<T>& block, int width, int n, int phase, T* spare)
+{
+    if (n == 1 || (Tile::closedFormOfTwo && n == 2))
+        return inverseColumnsOfBlock<Tile>(readOnly(block), block, width, n, phase);
+    if (n < shortestInPlace)
+        return overStrips(block, width, n, spare, [=](const auto& strip, const auto& copy, int columns) {
+            copyRows(readOnly(strip), copy, columns, n);
+            inverseColumnsOfBlock<Tile>(readOnly(copy), strip, columns, n, phase);
+        });
+    constexpr int lastRows = 4;
+    const int lowCount = lowCountOf(n, phase);
+    const int lastFrom = n - lowCount - lastRows;  // of the high rows
+    overStrips(block, width, lowCount + lastRows, spare, [=](const auto& strip, const auto& aside, int columns) {
+        copyRows(readOnly(strip), aside, columns, lowCount);
+        const Region<T> last = {aside.row(lowCount), aside.step};
+        copyRows(Region<const T>{strip.row(n - lastRows), strip.step}, last, columns, lastRows);
+        inverseColumns(
+            typename Tile::Columns{}, [&](int i) { return aside.row((mirrored(2 * i + phase, n) - phase) / 2); },
+            [&](int i) {
+                const int k = (mirrored(2 * i + 1 - phase, n) - 1 + phase) / 2;
+                return k < lastFrom ? strip.row(lowCount + k) : last.row(k - lastFrom);
+            },
+            phase, [&](int i) { return strip.row(i); }, n, columns);
+    });
 }
 
 template <typename Tile, typename T>
 inline void forwardInPlace(const Region<T>& block, const VekRect& tile, T* spare)
 {
-    const int phaseX = tile.x & 1;
-    const int phaseY = tile.y & 1;
-    const int n = std::max(tile.height, 1);  // no rows count as one here
-    if (n == 1 || (Tile::closedFormOfTwo && n == 2))
-        forwardColumnsOfBlock<Tile>(Region<const T>{block.data, block.step}, block, tile.width, n, phaseY);
-    else
-        overStrips(block, tile.width, n, spare, [=](const auto& src, const auto& dst, int columns) {
-            forwardColumnsOfBlock<Tile>(src, dst, columns, n, phaseY);
-        });
+    // No rows count as one for the columns.
+    forwardColumnsInPlace<Tile>(block, tile.width, std::max(tile.height, 1), tile.y & 1, spare);
     if (tile.width > 0)
-        for (int y = 0; y < tile.height; ++y) forwardRowOfBlock<Tile>(block.row(y), tile.width, phaseX, spare);
+        for (int y = 0; y < tile.height; ++y) forwardRowOfBlock<Tile>(block.row(y), tile.width, tile.x & 1, spare);
 }
-
 template <typename Tile, typename T>
 inline void inverseInPlace(const Region<T>& block, const VekRect& tile, T* spare)
 {
-    const int phaseX = tile.x & 1;
-    const int phaseY = tile.y & 1;
-    const int n = std::max(tile.height, 1);
     if (tile.width > 0)
-        for (int y = 0; y < tile.height; ++y) inverseRowOfBlock<Tile>(block.row(y), tile.width, phaseX, spare);
-    if (n == 1 || (Tile::closedFormOfTwo && n == 2))
-        inverseColumnsOfBlock<Tile>(Region<const T>{block.data, block.step}, block, tile.width, n, phaseY);
-    else
-        overStrips(block, tile.width, n, spare, [=](const auto& src, const auto& dst, int columns) {
-            inverseColumnsOfBlock<Tile>(src, dst, columns, n, phaseY);
-        });
+        for (int y = 0; y < tile.height; ++y) inverseRowOfBlock<Tile>(block.row(y), tile.width, tile.x & 1, spare);
+    inverseColumnsInPlace<Tile>(block, tile.width, std::max(tile.height, 1), tile.y & 1, spare);
 }
 
 // The work image of the forms with sub-band planes: rows are rounded up to 32 bytes. A line buffer follows it.
@@ -82,11 +124,6 @@ struct Quadrant {
     {
     }
 };
-template <typename T>
-inline void copyRows(const Region<const T>& src, const Region<T>& dst, int width, int height)
-{
-    for (int y = 0; y < height; ++y) std::memcpy(dst.row(y), src.row(y), static_cast<size_t>(width) * sizeof(T));
-}
 
 // The columns pass takes the samples from the image to the work image, or back.
 template <typename Tile, typename T>
@@ -113,7 +150,7 @@ inline void inverseFromPlanes(const T* const pSrc[4], const int srcStep[4], cons
         copyRows<T>({pSrc[i], srcStep[i]}, {work.row(q.y) + q.x, work.step}, q.width, q.height);
     }
     for (int y = 0; y < tile.height; ++y) inverseRowOfBlock<Tile>(work.row(y), tile.width, tile.x & 1, spare);
-    inverseColumnsOfBlock<Tile>(Region<const T>{work.data, work.step}, dst, tile.width, tile.height, tile.y & 1);
+    inverseColumnsOfBlock<Tile>(readOnly(work), dst, tile.width, tile.height, tile.y & 1);
 }
 
 }  // namespace q3
