@@ -11,65 +11,86 @@
 #ifndef VEK_JPEG2K_CODEBLOCK_CODING_PASSES_H
 #define VEK_JPEG2K_CODEBLOCK_CODING_PASSES_H
 
-#include <algorithm>
-
 #include "jpeg2k/codeblock/sample_flags.h"
 
 namespace q3 {
 
-// Calls work(words of the stripe's first column, rows) for every stripe. The number of rows is a constant in all whole
+// Passes are classes of static functions, all of them expanded in place: only then does a coder lie in registers.
+// `words` points to the first word of a column, `w` to that of a sample. The number of rows is a constant in all whole
 // stripes.
-template <class Coder, class Work>
-[[gnu::always_inline]] inline void forEachStripe(const FlagView& view, Coder& coder, const Work& work)
+template <class Pass, class Coder>
+[[gnu::always_inline]] inline void runPass(const FlagView& view, Coder& coder)
 {
+    const auto [first, stride, width, height] = view;
+    uint32_t* words = first;
     int y = 0;
-    for (; view.height - y >= 4; y += 4) {
+    for (; height - y >= 4; y += 4, words += 2 * stride) {
         coder.stripe(y);
-        work(view.pair(y), 4);
+        for (int x = 0; x < width; ++x) Pass::column(words + x, stride, coder, x, 4);
     }
-    if (y < view.height) {
+    if (y < height) {
         coder.stripe(y);
-        work(view.pair(y), view.height - y);
+        for (int x = 0; x < width; ++x) Pass::column(words + x, stride, coder, x, height - y);
     }
 }
 
 // Samples that are not significant yet, but next to one that is.
-template <bool causal, class Coder>
-[[gnu::always_inline]] inline void significancePass(const FlagView& view, Coder& coder)
-{
-    const auto sample = [&]<Half half>(uint32_t * w, int x, int r, bool tellsAbove) __attribute__((always_inline))
+template <bool causal>
+struct SignificancePass {
+    template <class Coder>
+    [[gnu::always_inline]] static void column(uint32_t* words, ptrdiff_t stride, Coder& coder, int x, int rows)
+    {
+        pair<!causal>(words, stride, coder, x, 0, rows);
+        if (rows > 2)
+            pair<true>(words + stride, stride, coder, x, 2, rows - 2);
+    }
+
+private:
+    template <bool tellsAbove, class Coder>
+    [[gnu::always_inline]] static void pair(uint32_t* w, ptrdiff_t stride, Coder& coder, int x, int r, int rows)
+    {
+        if ((~*w & *w << 2 & inBoth(significant)) == 0)
+            return;
+        sample<Half::upper, tellsAbove>(w, stride, coder, x, r);
+        if (rows > 1)
+            sample<Half::lower, true>(w, stride, coder, x, r + 1);
+    }
+    template <Half half, bool tellsAbove, class Coder>
+    [[gnu::always_inline]] static void sample(uint32_t* w, ptrdiff_t stride, Coder& coder, int x, int r)
     {
         const uint32_t flags = halfOf<half>(*w);
         if ((flags & (anySignificant | significant)) != anySignificant)
             return;
         if (coder.zero(flags, x, r))
-            tellNeighbours<half>(w, view.stride, coder.sign(flags, x, r), significant | visited, tellsAbove);
+            tellNeighbours<half>(w, stride, coder.sign(flags, x, r), significant | visited, tellsAbove);
         else
             *w |= in<half>(visited);
-    };
-    const auto pair = [&](uint32_t * w, int x, int r, int rows, bool tellsAbove) __attribute__((always_inline))
-    {
-        if ((~*w & *w << 2 & inBoth(significant)) == 0)
-            return;
-        sample.template operator()<Half::upper>(w, x, r, tellsAbove);
-        if (rows > 1)
-            sample.template operator()<Half::lower>(w, x, r + 1, true);
-    };
-    forEachStripe(
-        view, coder, [&](uint32_t * words, int rows) __attribute__((always_inline)) {
-            for (int x = 0; x < view.width; ++x) {
-                pair(words + x, x, 0, rows, !causal);
-                if (rows > 2)
-                    pair(words + view.stride + x, x, 2, rows - 2, true);
-            }
-        });
-}
+    }
+};
 
 // Samples that are significant from an earlier plane on. Raw passes leave no mark on them.
-template <bool marks, class Coder>
-[[gnu::always_inline]] inline void refinementPass(const FlagView& view, Coder& coder)
-{
-    const auto sample = [&]<Half half>(uint32_t * w, int x, int r) __attribute__((always_inline))
+template <bool marks>
+struct RefinementPass {
+    template <class Coder>
+    [[gnu::always_inline]] static void column(uint32_t* words, ptrdiff_t stride, Coder& coder, int x, int rows)
+    {
+        pair(words, coder, x, 0, rows);
+        if (rows > 2)
+            pair(words + stride, coder, x, 2, rows - 2);
+    }
+
+private:
+    template <class Coder>
+    [[gnu::always_inline]] static void pair(uint32_t* w, Coder& coder, int x, int r, int rows)
+    {
+        if ((*w & ~(*w << 1) & inBoth(significant)) == 0)
+            return;
+        sample<Half::upper>(w, coder, x, r);
+        if (rows > 1)
+            sample<Half::lower>(w, coder, x, r + 1);
+    }
+    template <Half half, class Coder>
+    [[gnu::always_inline]] static void sample(uint32_t* w, Coder& coder, int x, int r)
     {
         const uint32_t flags = halfOf<half>(*w);
         if ((flags & (visited | significant)) != significant)
@@ -77,73 +98,74 @@ template <bool marks, class Coder>
         coder.refine(flags, x, r);
         if constexpr (marks)
             *w |= in<half>(refined);
-    };
-    const auto pair = [&](uint32_t * w, int x, int r, int rows) __attribute__((always_inline))
-    {
-        if ((*w & ~(*w << 1) & inBoth(significant)) == 0)
-            return;
-        sample.template operator()<Half::upper>(w, x, r);
-        if (rows > 1)
-            sample.template operator()<Half::lower>(w, x, r + 1);
-    };
-    forEachStripe(
-        view, coder, [&](uint32_t * words, int rows) __attribute__((always_inline)) {
-            for (int x = 0; x < view.width; ++x) {
-                pair(words + x, x, 0, rows);
-                if (rows > 2)
-                    pair(words + view.stride + x, x, 2, rows - 2);
-            }
-        });
-}
+    }
+};
 
 // All that the other two have left over. It ends the plane: marks of visits go.
-template <bool causal, class Coder>
-[[gnu::always_inline]] inline void cleanupPass(const FlagView& view, Coder& coder)
-{
-    const auto sample = [&]<Half half>(uint32_t * w, int x, int r, bool tellsAbove) __attribute__((always_inline))
+template <bool causal>
+struct CleanupPass {
+    template <class Coder>
+    [[gnu::always_inline]] static void column(uint32_t* words, ptrdiff_t stride, Coder& coder, int x, int rows)
+    {
+        uint32_t* const upper = words;
+        uint32_t* const lower = words + stride;
+        if (rows == 4 && (*upper | *lower) == 0) {
+            const int r = coder.runLength(x);
+            if (r == 4)
+                return;
+            const bool isNegative = coder.sign(0, x, r);
+            if (r == 0) {
+                tellNeighbours<Half::upper>(upper, stride, isNegative, significant | visited, !causal);
+                pair<!causal>(upper, stride, coder, x, 0, 4);
+            } else if (r == 1) {
+                tellNeighbours<Half::lower>(upper, stride, isNegative, significant, true);
+            } else if (r == 2) {
+                tellNeighbours<Half::upper>(lower, stride, isNegative, significant | visited, true);
+            } else {
+                tellNeighbours<Half::lower>(lower, stride, isNegative, significant, true);
+                return;
+            }
+        } else {
+            pair<!causal>(upper, stride, coder, x, 0, rows);
+        }
+        if (rows > 2)
+            pair<true>(lower, stride, coder, x, 2, rows - 2);
+    }
+
+private:
+    template <bool tellsAbove, class Coder>
+    [[gnu::always_inline]] static void pair(uint32_t* w, ptrdiff_t stride, Coder& coder, int x, int r, int rows)
+    {
+        if ((~(*w | *w << 1) & inBoth(significant)) != 0) {
+            sample<Half::upper, tellsAbove>(w, stride, coder, x, r);
+            if (rows > 1)
+                sample<Half::lower, true>(w, stride, coder, x, r + 1);
+        }
+        *w &= ~inBoth(visited);
+    }
+    template <Half half, bool tellsAbove, class Coder>
+    [[gnu::always_inline]] static void sample(uint32_t* w, ptrdiff_t stride, Coder& coder, int x, int r)
     {
         const uint32_t flags = halfOf<half>(*w);
         if ((flags & (visited | significant)) == 0 && coder.zero(flags, x, r))
-            tellNeighbours<half>(w, view.stride, coder.sign(flags, x, r), significant | visited, tellsAbove);
-    };
-    const auto pair = [&](uint32_t * w, int x, int r, int rows, bool tellsAbove) __attribute__((always_inline))
-    {
-        if ((~(*w | *w << 1) & inBoth(significant)) != 0) {
-            sample.template operator()<Half::upper>(w, x, r, tellsAbove);
-            if (rows > 1)
-                sample.template operator()<Half::lower>(w, x, r + 1, true);
-        }
-        *w &= ~inBoth(visited);
-    };
-    forEachStripe(
-        view, coder, [&](uint32_t * words, int rows) __attribute__((always_inline)) {
-            for (int x = 0; x < view.width; ++x) {
-                uint32_t* const upper = words + x;
-                uint32_t* const lower = upper + view.stride;
-                if (rows == 4 && (*upper | *lower) == 0) {
-                    const int r = coder.runLength(x);
-                    if (r == 4)
-                        continue;
-                    const bool isNegative = coder.sign(0, x, r);
-                    if (r == 0) {
-                        tellNeighbours<Half::upper>(upper, view.stride, isNegative, significant | visited, !causal);
-                    } else if (r == 1) {
-                        tellNeighbours<Half::lower>(upper, view.stride, isNegative, significant, true);
-                    } else if (r == 2) {
-                        tellNeighbours<Half::upper>(lower, view.stride, isNegative, significant | visited, true);
-                    } else {
-                        tellNeighbours<Half::lower>(lower, view.stride, isNegative, significant, true);
-                        continue;
-                    }
-                    if (r == 0)
-                        pair(upper, x, 0, 4, !causal);
-                } else {
-                    pair(upper, x, 0, rows, !causal);
-                }
-                if (rows > 2)
-                    pair(lower, x, 2, rows - 2, true);
-            }
-        });
+            tellNeighbours<half>(w, stride, coder.sign(flags, x, r), significant | visited, tellsAbove);
+    }
+};
+
+template <bool causal, class Coder>
+[[gnu::always_inline]] inline void significancePass(const FlagView& view, Coder& coder)
+{
+    runPass<SignificancePass<causal>>(view, coder);
+}
+template <bool marks, class Coder>
+[[gnu::always_inline]] inline void refinementPass(const FlagView& view, Coder& coder)
+{
+    runPass<RefinementPass<marks>>(view, coder);
+}
+template <bool causal, class Coder>
+[[gnu::always_inline]] inline void cleanupPass(const FlagView& view, Coder& coder)
+{
+    runPass<CleanupPass<causal>>(view, coder);
 }
 
 }  // namespace q3

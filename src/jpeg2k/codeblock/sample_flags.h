@@ -49,8 +49,6 @@ struct FlagView {
     uint32_t* words;   // of the first two rows' first column
     ptrdiff_t stride;  // in words
     int width, height;
-
-    uint32_t* pair(int row) const { return words + stride * (row / 2); }
 };
 constexpr ptrdiff_t flagStrideOf(int width) { return (4 * ptrdiff_t{width} + 8 + 31) / 32 * 8; }
 constexpr ptrdiff_t flagRowsOf(int height) { return (ptrdiff_t{height} + 1) / 2 + 2; }
@@ -59,7 +57,8 @@ constexpr ptrdiff_t flagBytesOf(int width, int height) { return 4 * flagStrideOf
 // A sample has become significant, with its sign. `own` is what its own half takes; an upper sample may leave those
 // above it in ignorance.
 template <Half half>
-inline void tellNeighbours(uint32_t* w, ptrdiff_t stride, bool isNegative, uint32_t own, bool tellsAbove)
+[[gnu::always_inline]] inline void tellNeighbours(uint32_t* w, ptrdiff_t stride, bool isNegative, uint32_t own,
+                                                  bool tellsAbove)
 {
     const uint32_t sign = isNegative ? ~uint32_t{0} : 0;
     const auto tell = [sign](uint32_t& word, uint32_t always, uint32_t ifNegative) {
