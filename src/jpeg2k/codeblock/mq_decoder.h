@@ -19,8 +19,9 @@ struct SegmentReader {
     uint32_t at(int i) const { return i < length ? p[i] : 0xFF; }
 };
 
-// Decodes one segment. Contexts live on from segment to segment, in the caller's hands. The interval's width is held
-// in the high half of `width_`, whose low half is zero.
+// Decodes one segment. Contexts live on from segment to segment, in the caller's hands. The interval's width stands in
+// the high half of a word whose low half is zero; what is held is by how much it exceeds `floor_`, the least width that
+// leaves a more probable symbol without any further work: one that has its top bit and is above the code.
 class MqDecoder {
 public:
     MqDecoder(const uint8_t* pSrc, int length, MqContexts& contexts)
@@ -29,26 +30,25 @@ public:
         const Fed fed = feed(source_, code_);
         source_.position = fed.position;
         atMarker_ = fed.atMarker;
-        code_ = fed.code << 7;
         bitsLeft_ = fed.bits - 7;
+        setInterval(uint32_t{1} << 31, fed.code << 7);
     }
 
     [[gnu::always_inline]] uint32_t decode(uint32_t context)
     {
         const uint32_t state = states_[context];
         const uint32_t q = probabilityOf(state);
-        width_ -= q;
-        // The usual way: the more probable symbol, and the width still has its top bit.
-        if (width_ > std::max(code_, uint32_t{0x7FFFFFFF})) [[likely]]
+        excess_ -= q;
+        if (excess_ >= 0) [[likely]]
             return symbolOf(state);
-        const bool isUpper = width_ > code_;
-        const bool isMps =
-            isUpper != (width_ < q);  // the larger part of the interval is always the more probable one's
-        code_ -= isUpper ? 0 : width_;
-        width_ = isUpper ? width_ : q;
-        states_[context] = isMps ? afterMps(state) : afterLps(state);
-        renormalise();
-        return symbolOf(state) ^ static_cast<uint32_t>(!isMps);
+        // By masks, as nobody can predict which way this goes. The larger part of the interval is always the more
+        // probable symbol's.
+        const uint32_t upper = width();
+        const uint32_t isUpper = maskOfLess(code_, upper);
+        const uint32_t isMps = isUpper ^ maskOfLess(upper, q);
+        states_[context] = stateAfter(state, isMps);
+        renormalise(q ^ ((upper ^ q) & isUpper), code_ - (upper & ~isUpper));
+        return symbolOf(state ^ ~isMps);
     }
 
     // Whether the encoder has ended the segment as a predictable termination tells (Annex D.4.2).
@@ -68,7 +68,7 @@ public:
             bits = 8;
         }
         const uint32_t q = 0x80000000 >> (bits - 1);
-        return width_ - q <= code_;
+        return width() - q <= code_;
     }
 
 private:
@@ -90,28 +90,42 @@ private:
         return {code + 0xFE00 - (next << 9), 7, source.position + 1, false};
     }
 
-    [[gnu::always_inline]] void renormalise()
+    static uint32_t maskOfLess(uint32_t a, uint32_t b)
     {
-        int n = static_cast<int>(_lzcnt_u32(width_));
+        return static_cast<uint32_t>((int64_t{a} - int64_t{b}) >> 63);
+    }
+
+    uint32_t width() const { return floor_ + static_cast<uint32_t>(excess_); }
+
+    // The code can lie above the interval, but is never more than 0xFFFFFF00.
+    [[gnu::always_inline]] void setInterval(uint32_t width, uint32_t code)
+    {
+        code_ = code;
+        floor_ = std::max(code + 1, uint32_t{1} << 31);
+        excess_ = int64_t{width} - int64_t{floor_};
+    }
+
+    [[gnu::always_inline]] void renormalise(uint32_t width, uint32_t code)
+    {
+        int n = static_cast<int>(_lzcnt_u32(width));
+        width <<= n;
         while (n > bitsLeft_) [[unlikely]]
             {
-                width_ <<= bitsLeft_;
-                code_ <<= bitsLeft_;
                 n -= bitsLeft_;
-                const Fed fed = feed(source_, code_);
+                const Fed fed = feed(source_, code << bitsLeft_);
                 source_.position = fed.position;
                 atMarker_ = fed.atMarker;
-                code_ = fed.code;
+                code = fed.code;
                 bitsLeft_ = fed.bits;
             }
-        width_ <<= n;
-        code_ <<= n;
         bitsLeft_ -= n;
+        setInterval(width, code << n);
     }
 
     uint32_t* states_;
     SegmentReader source_;
-    uint32_t width_ = 0x80000000;
+    int64_t excess_;
+    uint32_t floor_;
     uint32_t code_;
     int bitsLeft_;
     bool atMarker_;

@@ -31,16 +31,17 @@ public:
         uint32_t& context = contexts[symbol >> 1];
         const uint32_t state = context;
         const uint32_t q = state >> 16;
-        const bool isMps = ((state ^ symbol) & 1) == 0;
+        const uint32_t isMps = ((state ^ symbol) & 1) - 1;
         width_ -= q;
-        if (isMps && (width_ & 0x8000) != 0) [[likely]] {
+        if ((isMps & width_ & 0x8000) != 0) [[likely]] {
             low_ += q;
             return;
         }
-        const bool takesUpper = isMps != (width_ < q);
-        low_ += takesUpper ? q : 0;
-        width_ = takesUpper ? width_ : q;
-        context = isMps ? afterMps(state) : afterLps(state);
+        // By masks, as nobody can predict which way this goes.
+        const uint32_t isUpper = isMps ^ static_cast<uint32_t>(static_cast<int32_t>(width_ - q) >> 31);
+        low_ += q & isUpper;
+        width_ = q ^ ((width_ ^ q) & isUpper);
+        context = stateAfter(state, isMps);
         int n = static_cast<int>(_lzcnt_u32(width_)) - 16;
         width_ <<= n;
         while (n >= shiftsLeft_) [[unlikely]]

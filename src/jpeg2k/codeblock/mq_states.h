@@ -45,9 +45,9 @@ constexpr std::array<uint32_t, 94> mqStates = [] {
 }();
 constexpr uint32_t probabilityOf(uint32_t state) { return state & 0xFFFF0000; }  // scaled as the interval's width is
 constexpr uint32_t symbolOf(uint32_t state) { return state & 1; }
-constexpr uint32_t afterMps(uint32_t state) { return mqStates[state >> 1 & 0x7F]; }
-constexpr uint32_t afterLps(uint32_t state) { return mqStates[state >> 8 & 0x7F]; }
-static_assert(mqStates[0] == 0x56010304 && symbolOf(afterLps(mqStates[0])) == 1);
+// All ones or zeros tell whether it was the more probable symbol.
+constexpr uint32_t stateAfter(uint32_t state, uint32_t isMps) { return mqStates[state >> (8 - (7 & isMps)) & 0x7F]; }
+static_assert(mqStates[0] == 0x56010304 && symbolOf(stateAfter(mqStates[0], 0)) == 1);
 
 // The contexts by number: the labels of Tables D.1 to D.4 plus 2 behind the two that stand alone.
 constexpr uint32_t uniformContext = 0;
