@@ -38,7 +38,9 @@ def read_pairs():
     for line in (pathlib.Path(__file__).parent / "pairs.txt").read_text(encoding="utf-8").splitlines():
         words = line.split("#")[0].split()
         if words:
-            pairs.setdefault(words[0], []).append((words[1], *(words[2:] or [None, None])))
+            ratio = words[2] if len(words) > 2 else None
+            where = words[3] if len(words) > 3 else ""
+            pairs.setdefault(words[0], []).append((words[1], ratio, where))
     return pairs
 
 
