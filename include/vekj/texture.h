@@ -65,12 +65,20 @@ VEK_API VekStatus vekiTextureDecodeBlockToRGBA_DXT5_8u_C1C4R(const uint8_t* pSrc
  *  One or two channels of 8 bits, each in blocks of 8 bytes that are those of DXT5's alpha. Arguments and results are
  *  those of the DXT functions.
  *  @{ */
+
+/** Blocks of 8 bytes, from one byte a pixel. */
 VEK_API VekStatus vekiTextureEncodeBlock_BC4_8u_C1R(const uint8_t* pSrc, uint32_t srcStep, VekSize roiSize,
                                                     uint8_t* pDst);
+
+/** Blocks of 16 bytes, red and then green, from two bytes a pixel. */
 VEK_API VekStatus vekiTextureEncodeBlockFromRG_BC5_8u_C2C1R(const uint8_t* pSrc, uint32_t srcStep, VekSize roiSize,
                                                             uint8_t* pDst);
+
+/** To one byte a pixel. */
 VEK_API VekStatus vekiTextureDecodeBlock_BC4_8u_C1R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep,
                                                     VekSize roiSize);
+
+/** To two bytes a pixel, red and green. */
 VEK_API VekStatus vekiTextureDecodeBlockToRG_BC5_8u_C1C2R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep,
                                                           VekSize roiSize);
 /** @} */
