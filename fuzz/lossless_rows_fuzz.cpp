@@ -44,11 +44,11 @@ struct Reader {
 
     VekStatus rows(const Shape& shape, const std::vector<uint8_t>& stream, model::Rows& rows)
     {
-        std::vector<const VekDecodeHuffmanSpec*> specs;
-        for (size_t c = 0; c < shape.rows(); ++c) specs.push_back(&shape.tableOf(c).object);
+        std::vector<const VekDecodeHuffmanSpec*> tablePointers;
+        for (size_t c = 0; c < shape.rows(); ++c) tablePointers.push_back(&shape.tableOf(c).object);
         return vekiDecodeHuffmanRow_JPEG_1u16s_C1P4(
             stream.data(), static_cast<int>(stream.size()), &position, pointersTo<int16_t>(rows, shape.rows()).data(),
-            static_cast<int>(shape.width), static_cast<int>(shape.numRows), &marker, specs.data(), &state);
+            static_cast<int>(shape.width), static_cast<int>(shape.numRows), &marker, tablePointers.data(), &state);
     }
     VekStatus one(const Table& table, const std::vector<uint8_t>& stream, int16_t& value)
     {
@@ -129,11 +129,12 @@ void readBack(const Shape& shape, std::vector<uint8_t> stream, const model::Rows
 // Rows, one value, and a flush into some room.
 void encode(const Shape& shape, size_t room, Bytes& bytes)
 {
-    std::array<VekEncodeHuffmanSpec, 2> specs{};
+    std::array<VekEncodeHuffmanSpec, 2> tablePointers{};
     std::array<model::EncodeTable, 2> expectedTables{};
     for (size_t i = 0; i < 2; ++i) {
         const model::HuffmanLists& lists = shape.tables[i].lists;
-        const VekStatus status = vekiEncodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.vals.data(), &specs[i]);
+        const VekStatus status =
+            vekiEncodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.vals.data(), &tablePointers[i]);
         require(status == model::buildEncodeTable(lists, expectedTables[i]));
         if (status != vekStsOk)
             return;
@@ -147,7 +148,7 @@ void encode(const Shape& shape, size_t room, Bytes& bytes)
     std::vector<const VekEncodeHuffmanSpec*> codes;
     std::vector<const model::EncodeTable*> expectedCodes;
     for (size_t c = 0; c < shape.rows(); ++c) {
-        codes.push_back(&specs[c % 2]);
+        codes.push_back(&tablePointers[c % 2]);
         expectedCodes.push_back(&expectedTables[c % 2]);
     }
     std::vector<uint8_t> dst(room);
@@ -169,7 +170,7 @@ void encode(const Shape& shape, size_t room, Bytes& bytes)
                                                      dst.data(), size, &position, codes.data(), &state, 0));
     const int16_t value = rows[0].back();
     compare(model::encodeValue(value, out, expectedTables[0], expectedState),
-            vekiEncodeHuffmanOne_JPEG_16s1u_C1(&value, dst.data(), size, &position, &specs[0], &state, 0));
+            vekiEncodeHuffmanOne_JPEG_16s1u_C1(&value, dst.data(), size, &position, &tablePointers[0], &state, 0));
     const VekStatus flushStatus =
         compare(model::flush(out, expectedState),
                 vekiEncodeHuffmanOne_JPEG_16s1u_C1(nullptr, dst.data(), size, &position, nullptr, &state, 1));

@@ -47,14 +47,15 @@ public:
         model::Rows expected(static_cast<size_t>(numRows), std::vector<int16_t>(static_cast<size_t>(width), untouched));
         GuardedRows dst(expected, offset_++ % 16);
         std::vector<const model::DecodeTable*> modelTables;
-        GuardedArray<const VekDecodeHuffmanSpec*> specs(tables.size());
+        GuardedArray<const VekDecodeHuffmanSpec*> tablePointers(tables.size());
         for (size_t c = 0; c < tables.size(); ++c) {
             modelTables.push_back(&tables[c]->modelDecode);
-            specs[c] = tables[c]->decode();
+            tablePointers[c] = tables[c]->decode();
         }
         const VekStatus want = model::decodeRows(in_, expected, modelTables, expectedState_);
-        const VekStatus got = vekiDecodeHuffmanRow_JPEG_1u16s_C1P4(stream_.data(), in_.length, &position_, dst.rows(),
-                                                                   width, numRows, &marker_, specs.data(), &state_);
+        const VekStatus got =
+            vekiDecodeHuffmanRow_JPEG_1u16s_C1P4(stream_.data(), in_.length, &position_, dst.rows(), width, numRows,
+                                                 &marker_, tablePointers.data(), &state_);
         compare(want, got);
         for (size_t c = 0; c < std::min<size_t>(expected.size(), 4); ++c)
             EXPECT_EQ(expected[c], dst.row(c, expected[c].size()));
@@ -407,7 +408,7 @@ TEST(LosslessDecoder, RowsCheckTheirArgumentsInOrder)
     const uint8_t src[4] = {};
     int16_t row[2] = {untouched, untouched};
     int16_t* rows[4] = {row, row, row, row};
-    const VekDecodeHuffmanSpec* specs[4] = {table.decode(), table.decode(), table.decode(), table.decode()};
+    const VekDecodeHuffmanSpec* tablePointers[4] = {table.decode(), table.decode(), table.decode(), table.decode()};
     int position = 1;
     int marker = 0;
     VekDecodeHuffmanState state{};
@@ -425,24 +426,24 @@ TEST(LosslessDecoder, RowsCheckTheirArgumentsInOrder)
     EXPECT_EQ(vekStsBadArgument, call(src, 4, &position, rows, -1, 1, nullptr, nullptr, nullptr));
     EXPECT_EQ(vekStsBadArgument, call(src, 4, &position, rows, 2, 0, nullptr, nullptr, nullptr));
     EXPECT_EQ(vekStsBadArgument, call(src, 4, &position, rows, 2, -1, nullptr, nullptr, nullptr));
-    EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 1, nullptr, specs, &state));
+    EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 1, nullptr, tablePointers, &state));
     EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 1, &marker, nullptr, &state));
-    EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 1, &marker, specs, nullptr));
+    EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 1, &marker, tablePointers, nullptr));
     for (int c = 0; c < 4; ++c) {
         rows[c] = nullptr;
-        EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 4, &marker, specs, &state));
-        EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 5, &marker, specs, &state));
+        EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 4, &marker, tablePointers, &state));
+        EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 5, &marker, tablePointers, &state));
         rows[c] = row;
-        specs[c] = nullptr;
-        EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 4, &marker, specs, &state));
-        specs[c] = table.decode();
+        tablePointers[c] = nullptr;
+        EXPECT_EQ(vekStsNullPointer, call(src, 4, &position, rows, 2, 4, &marker, tablePointers, &state));
+        tablePointers[c] = table.decode();
     }
     EXPECT_EQ(untouched, row[0]);
     EXPECT_EQ(1, position);
     EXPECT_EQ(0, state.numBits);
     rows[2] = nullptr;  // behind the rows that count
-    specs[3] = nullptr;
-    EXPECT_EQ(vekStsOk, call(src, 4, &position, rows, 1, 2, &marker, specs, &state));
+    tablePointers[3] = nullptr;
+    EXPECT_EQ(vekStsOk, call(src, 4, &position, rows, 1, 2, &marker, tablePointers, &state));
     EXPECT_EQ(0, row[0]);
     EXPECT_EQ(untouched, row[1]);
 }
@@ -456,8 +457,8 @@ TEST(LosslessDecoder, SingleValuesCheckTheirArgumentsInOrder)
     int marker = 0;
     VekDecodeHuffmanState state{};
     const auto call = [&](const uint8_t* pSrc, int size, int* pPosition, int16_t* pDst, int* pMarker,
-                          const VekDecodeHuffmanSpec* spec, VekDecodeHuffmanState* pState) {
-        return vekiDecodeHuffmanOne_JPEG_1u16s_C1(pSrc, size, pPosition, pDst, pMarker, spec, pState);
+                          const VekDecodeHuffmanSpec* pTable, VekDecodeHuffmanState* pState) {
+        return vekiDecodeHuffmanOne_JPEG_1u16s_C1(pSrc, size, pPosition, pDst, pMarker, pTable, pState);
     };
     EXPECT_EQ(vekStsNullPointer, call(nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(vekStsBadSize, call(src, 0, nullptr, nullptr, nullptr, nullptr, nullptr));

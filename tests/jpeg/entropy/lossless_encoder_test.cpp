@@ -28,16 +28,16 @@ public:
     VekStatus rows(const model::Rows& rows, const std::vector<const Table*>& tables)
     {
         std::vector<const model::EncodeTable*> modelTables;
-        GuardedArray<const VekEncodeHuffmanSpec*> specs(tables.size());
+        GuardedArray<const VekEncodeHuffmanSpec*> tablePointers(tables.size());
         for (size_t c = 0; c < tables.size(); ++c) {
             modelTables.push_back(&tables[c]->modelEncode);
-            specs[c] = tables[c]->encode();
+            tablePointers[c] = tables[c]->encode();
         }
         GuardedRows src(rows, offset_++ % 16);
         const VekStatus want = model::encodeRows(rows, expected_, modelTables, expectedState_);
         const VekStatus got = vekiEncodeHuffmanRow_JPEG_16s1u_P4C1(src.constRows(), static_cast<int>(rows[0].size()),
                                                                    static_cast<int>(rows.size()), dst_.data(), room(),
-                                                                   &position_, specs.data(), &state_, 0);
+                                                                   &position_, tablePointers.data(), &state_, 0);
         compare(want, got);
         return got;
     }
@@ -308,7 +308,7 @@ TEST(LosslessEncoder, RowsCheckTheirArgumentsInOrder)
     const int16_t row[2] = {};
     const int16_t* rows[4] = {row, row, row, row};
     const int16_t* none[4] = {};
-    const VekEncodeHuffmanSpec* specs[4] = {table.encode(), table.encode(), table.encode(), table.encode()};
+    const VekEncodeHuffmanSpec* tablePointers[4] = {table.encode(), table.encode(), table.encode(), table.encode()};
     Untouched out;
     const auto call = [&](const int16_t** src, int length, int numRows, uint8_t* dst, int room, int* position,
                           const VekEncodeHuffmanSpec** tables, VekEncodeHuffmanState* state, int flush) {
@@ -317,10 +317,10 @@ TEST(LosslessEncoder, RowsCheckTheirArgumentsInOrder)
     EXPECT_EQ(vekStsNullPointer, call(nullptr, 0, 0, nullptr, 0, nullptr, nullptr, nullptr, 1));
     EXPECT_EQ(vekStsBadSize, call(nullptr, 0, 0, out.dst, 0, nullptr, nullptr, nullptr, 1));
     EXPECT_EQ(vekStsBadSize, call(nullptr, 0, 0, out.dst, -1, nullptr, nullptr, nullptr, 0));
-    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, nullptr, specs, &out.state, 1));
-    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, &out.position, specs, nullptr, 1));
-    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, nullptr, specs, &out.state, 0));
-    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, &out.position, specs, nullptr, 0));
+    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, nullptr, tablePointers, &out.state, 1));
+    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, &out.position, tablePointers, nullptr, 1));
+    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, nullptr, tablePointers, &out.state, 0));
+    EXPECT_EQ(vekStsNullPointer, call(rows, 0, 0, out.dst, 4, &out.position, tablePointers, nullptr, 0));
     EXPECT_EQ(vekStsNullPointer, call(nullptr, 0, 0, out.dst, 4, &out.position, nullptr, &out.state, 0));
     EXPECT_EQ(vekStsBadArgument, call(rows, 0, 1, out.dst, 4, &out.position, nullptr, &out.state, 0));
     EXPECT_EQ(vekStsBadArgument, call(rows, -3, 1, out.dst, 4, &out.position, nullptr, &out.state, 0));
@@ -329,17 +329,17 @@ TEST(LosslessEncoder, RowsCheckTheirArgumentsInOrder)
     EXPECT_EQ(vekStsNullPointer, call(rows, 2, 1, out.dst, 4, &out.position, nullptr, &out.state, 0));
     for (int c = 0; c < 4; ++c) {
         rows[c] = nullptr;
-        EXPECT_EQ(vekStsNullPointer, call(rows, 2, 4, out.dst, 4, &out.position, specs, &out.state, 0));
-        EXPECT_EQ(vekStsNullPointer, call(rows, 2, 9, out.dst, 4, &out.position, specs, &out.state, 0));
+        EXPECT_EQ(vekStsNullPointer, call(rows, 2, 4, out.dst, 4, &out.position, tablePointers, &out.state, 0));
+        EXPECT_EQ(vekStsNullPointer, call(rows, 2, 9, out.dst, 4, &out.position, tablePointers, &out.state, 0));
         rows[c] = row;
-        specs[c] = nullptr;
-        EXPECT_EQ(vekStsNullPointer, call(rows, 2, 4, out.dst, 4, &out.position, specs, &out.state, 0));
-        specs[c] = table.encode();
+        tablePointers[c] = nullptr;
+        EXPECT_EQ(vekStsNullPointer, call(rows, 2, 4, out.dst, 4, &out.position, tablePointers, &out.state, 0));
+        tablePointers[c] = table.encode();
     }
     out.check();
     rows[2] = nullptr;  // behind the rows that count
-    specs[3] = nullptr;
-    EXPECT_EQ(vekStsOk, call(rows, 1, 2, out.dst, 4, &out.position, specs, &out.state, 0));
+    tablePointers[3] = nullptr;
+    EXPECT_EQ(vekStsOk, call(rows, 1, 2, out.dst, 4, &out.position, tablePointers, &out.state, 0));
     EXPECT_EQ(vekStsOk, call(nullptr, 0, 0, out.dst, 4, &out.position, nullptr, &out.state, 1));
 }
 
@@ -348,9 +348,9 @@ TEST(LosslessEncoder, SingleValuesCheckTheirArgumentsInOrder)
     const Table table = lossless::standardTable();
     const int16_t value = 0;
     Untouched out;
-    const auto call = [&](const int16_t* src, uint8_t* dst, int room, int* position, const VekEncodeHuffmanSpec* spec,
+    const auto call = [&](const int16_t* src, uint8_t* dst, int room, int* position, const VekEncodeHuffmanSpec* pTable,
                           VekEncodeHuffmanState* state, int flush) {
-        return vekiEncodeHuffmanOne_JPEG_16s1u_C1(src, dst, room, position, spec, state, flush);
+        return vekiEncodeHuffmanOne_JPEG_16s1u_C1(src, dst, room, position, pTable, state, flush);
     };
     EXPECT_EQ(vekStsNullPointer, call(nullptr, nullptr, 0, nullptr, nullptr, nullptr, 1));
     EXPECT_EQ(vekStsBadSize, call(nullptr, out.dst, 0, nullptr, nullptr, nullptr, 1));
