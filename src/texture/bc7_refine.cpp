@@ -137,9 +137,8 @@ public:
         const int colourBits = isApart ? colourIndexBits(mode, selection) : mode.indexBits;
         setWeights(isAlpha ? alphaIndexBits(mode, selection) : colourBits);
         const Bc7EndpointPair values = unquantised(mode, pair);
-        for (int j = 0; j < count_; ++j) others_[static_cast<size_t>(j)].fill(0);
         if (isAlpha) {
-            ChannelSearch colour(lanes, values, 0, colourBits);
+            ChannelSearch colour(lanes, 0, colourBits);
             colour.add(values, 1);
             colour.add(values, 2);
             fixed_ = colour.errorOf(values.a[0], values.b[0]);
@@ -149,24 +148,24 @@ public:
             if (c != channel)
                 add(values, c);
         if (isApart)
-            fixed_ = ChannelSearch(lanes, values, 3, alphaIndexBits(mode, selection)).errorOf(values.a[3], values.b[3]);
+            fixed_ = ChannelSearch(lanes, 3, alphaIndexBits(mode, selection)).errorOf(values.a[3], values.b[3]);
     }
 
     // With quantised endpoints.
     int32_t error(int a, int b) const { return errorOf(unquantised(a, bits_), unquantised(b, bits_)); }
 
 private:
-    ChannelSearch(const SubsetLanes& lanes, const Bc7EndpointPair&, size_t channel, int indexBits)
+    ChannelSearch(const SubsetLanes& lanes, size_t channel, int indexBits)
         : lanes_(lanes), pixels_(lanes.channels[channel]), bits_(8)
     {
         setWeights(indexBits);
-        for (int j = 0; j < count_; ++j) others_[static_cast<size_t>(j)].fill(0);
     }
 
     void setWeights(int indexBits)
     {
         weights_ = weightsOf(indexBits);
         count_ = 1 << indexBits;
+        for (int j = 0; j < count_; ++j) others_[static_cast<size_t>(j)].fill(0);
     }
 
     static __m256i squaredDifference(const int32_t* pixels, int32_t entry)

@@ -1,8 +1,7 @@
 // BC4 and BC5: images of one and of two channels.
-#include "frame/checks.h"
 #include "frame/implementations.h"
 #include "texture/alpha_block.h"
-#include "texture/block_walk.h"
+#include "texture/image_functions.h"
 
 namespace q3 {
 namespace {
@@ -49,43 +48,23 @@ void decodeBc5(const uint8_t* block, uint8_t* pDst, int64_t step)
 
 VekStatus vekiTextureEncodeBlock_BC4_8u_C1R(const uint8_t* pSrc, uint32_t srcStep, VekSize roiSize, uint8_t* pDst)
 {
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(srcStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    encodeBlocks<1, 8>(pSrc, srcStep, roiSize, pDst, encode_block_bc4);
-    return vekStsOk;
+    return encodeImage<1, 8, encode_block_bc4>(pSrc, srcStep, roiSize, pDst);
 }
 
 VekStatus vekiTextureEncodeBlockFromRG_BC5_8u_C2C1R(const uint8_t* pSrc, uint32_t srcStep, VekSize roiSize,
                                                     uint8_t* pDst)
 {
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(srcStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    encodeBlocks<2, 16>(pSrc, srcStep, roiSize, pDst, encode_block_bc5);
-    return vekStsOk;
+    return encodeImage<2, 16, encode_block_bc5>(pSrc, srcStep, roiSize, pDst);
 }
 
 VekStatus vekiTextureDecodeBlock_BC4_8u_C1R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep, VekSize roiSize)
 {
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(dstStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    decodeBlocks<1, 8>(pSrc, pDst, dstStep, roiSize, decodeBc4);
-    return vekStsOk;
+    return decodeImage<1, 8, decodeBc4>(pSrc, pDst, dstStep, roiSize);
 }
 
 VekStatus vekiTextureDecodeBlockToRG_BC5_8u_C1C2R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep, VekSize roiSize)
 {
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(dstStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    decodeBlocks<2, 16>(pSrc, pDst, dstStep, roiSize, decodeBc5);
-    return vekStsOk;
+    return decodeImage<2, 16, decodeBc5>(pSrc, pDst, dstStep, roiSize);
 }
 
 }  // namespace q3

@@ -1,10 +1,9 @@
 #include <utility>
 
-#include "frame/checks.h"
 #include "frame/implementations.h"
 #include "texture/bc6h_modes.h"
 #include "texture/block_bits.h"
-#include "texture/block_walk.h"
+#include "texture/image_functions.h"
 #include "texture/partitions.h"
 
 namespace q3 {
@@ -187,10 +186,7 @@ void decodeEdge(const uint8_t* block, uint8_t* pDst, int64_t step, int columns, 
 template <bool isSigned>
 VekStatus decodeImage(const uint8_t* pSrc, void* pDst, int dstStep, VekSize roiSize)
 {
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(dstStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
+    VEK_CHECK_IMAGE(pSrc, pDst, dstStep, roiSize);
     forEachBlock(roiSize, [&](int x, int y, int columns, int rows) {
         uint8_t* const p = rowAt(static_cast<uint8_t*>(pDst), dstStep, y) + 6 * ptrdiff_t{x};
         if (columns == 4 && rows == 4)

@@ -1,10 +1,9 @@
 #include <bit>
 
-#include "frame/checks.h"
 #include "frame/implementations.h"
 #include "texture/bc7_modes.h"
 #include "texture/block_bits.h"
-#include "texture/block_walk.h"
+#include "texture/image_functions.h"
 #include "texture/partitions.h"
 
 namespace q3 {
@@ -171,12 +170,7 @@ void decode_block_bc7_rgba(const uint8_t* block, uint8_t* pDst, int64_t step)
 
 VekStatus vekiTextureDecodeBlockToRGBA_BC7_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, int dstStep, VekSize roiSize)
 {
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(dstStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    decodeBlocks<4, 16>(pSrc, pDst, dstStep, roiSize, decode_block_bc7_rgba);
-    return vekStsOk;
+    return decodeImage<4, 16, decode_block_bc7_rgba>(pSrc, pDst, dstStep, roiSize);
 }
 
 }  // namespace q3

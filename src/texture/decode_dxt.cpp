@@ -1,8 +1,7 @@
-#include "frame/checks.h"
 #include "frame/implementations.h"
 #include "texture/alpha_block.h"
-#include "texture/block_walk.h"
 #include "texture/colour_block.h"
+#include "texture/image_functions.h"
 
 namespace q3 {
 namespace {
@@ -75,38 +74,24 @@ void decodeDxt5(const uint8_t* block, uint8_t* pDst, int64_t step)
     storeWithAlpha(block + 8, decodeAlphaBlock(loadScalar<uint64_t>(block)), pDst, step);
 }
 
-using DecodeBlock = void(const uint8_t* block, uint8_t* pDst, int64_t step);
-
-template <int blockBytes, DecodeBlock decode>
-VekStatus decodeImage(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep, VekSize roiSize)
-{
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(dstStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    decodeBlocks<4, blockBytes>(pSrc, pDst, dstStep, roiSize,
-                                [](const uint8_t* block, uint8_t* p, int64_t step) { decode(block, p, step); });
-    return vekStsOk;
-}
-
 }  // namespace
 
 VekStatus vekiTextureDecodeBlockToRGBA_DXT1_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep,
                                                      VekSize roiSize)
 {
-    return decodeImage<8, decodeDxt1>(pSrc, pDst, dstStep, roiSize);
+    return decodeImage<4, 8, decodeDxt1>(pSrc, pDst, dstStep, roiSize);
 }
 
 VekStatus vekiTextureDecodeBlockToRGBA_DXT3_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep,
                                                      VekSize roiSize)
 {
-    return decodeImage<16, decodeDxt3>(pSrc, pDst, dstStep, roiSize);
+    return decodeImage<4, 16, decodeDxt3>(pSrc, pDst, dstStep, roiSize);
 }
 
 VekStatus vekiTextureDecodeBlockToRGBA_DXT5_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep,
                                                      VekSize roiSize)
 {
-    return decodeImage<16, decodeDxt5>(pSrc, pDst, dstStep, roiSize);
+    return decodeImage<4, 16, decodeDxt5>(pSrc, pDst, dstStep, roiSize);
 }
 
 }  // namespace q3

@@ -2,11 +2,10 @@
 #include <cstdlib>
 #include <utility>
 
-#include "frame/checks.h"
 #include "frame/implementations.h"
 #include "texture/alpha_block.h"
-#include "texture/block_walk.h"
 #include "texture/colour_block.h"
+#include "texture/image_functions.h"
 
 namespace q3 {
 namespace {
@@ -145,20 +144,6 @@ void encode_block_ycocg_dxt5(const uint8_t* p, int64_t step, uint8_t* out)
     const uint32_t code = (1U << shift) - 1;
     storeColourBlock(out + 8, word565(coHigh, cgFirst, 0) | code, word565(coLow, cgSecond, 0) | code,
                      colourIndices(block, lanes(coHigh, cgFirst), lanes(coLow, cgSecond)));
-}
-
-using EncodeBlock = void(const uint8_t* p, int64_t step, uint8_t* out);
-
-template <int pixelBytes, int blockBytes, EncodeBlock encode>
-VekStatus encodeImage(const uint8_t* pSrc, uint32_t srcStep, VekSize roiSize, uint8_t* pDst)
-{
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK(srcStep != 0, vekStsBadStep);
-    VEK_CHECK_SIZE(roiSize);
-    encodeBlocks<pixelBytes, blockBytes>(pSrc, srcStep, roiSize, pDst,
-                                         [](const uint8_t* p, int64_t step, uint8_t* out) { encode(p, step, out); });
-    return vekStsOk;
 }
 
 }  // namespace

@@ -228,10 +228,11 @@ TEST(CodeBlockDecoder, SafeOutsideItsDomain)
             Bytes bytes(40);
             random.fill(bytes);
             const int lengths[4] = {10, -7, 0, 20};
-            vekiDecodeCodeBlock_JPEG2K_1u32s_C1R(bytes.data(), block.data(), block.step, size, 7, sfBits, 2147483647,
-                                                 lengths, 4, style, nullptr, state.get());
+            const VekStatus status =
+                vekiDecodeCodeBlock_JPEG2K_1u32s_C1R(bytes.data(), block.data(), block.step, size, 7, sfBits,
+                                                     2147483647, lengths, 4, style, nullptr, state.get());
+            EXPECT_TRUE(status == vekStsOk || status == vekStsJpeg2KCorruptCodeBlock) << sfBits << ' ' << style;
         }
-    SUCCEED();
 }
 
 TEST(CodeBlockDecoder, StateSizes)

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "support/generators.h"
-#include "support/guarded_buffer.h"
-#include "vekj.h"
+#include "code_blocks.h"
 
 namespace {
 
+using codeblock::randomBlock;
 using support::GuardedArray;
 using support::Random;
 
@@ -35,13 +34,14 @@ struct Way {
     int subband, style, termMode, room;
 };
 
-Coded encode(Encoder& encoder, const std::vector<int32_t>& block, VekSize size, const Way& way, int magnBits = 31)
+Coded encode(Encoder& encoder, const std::vector<uint32_t>& block, VekSize size, const Way& way, int magnBits = 31)
 {
     Coded coded;
     int segments = -1;
-    EXPECT_EQ(vekStsOk, vekiEncodeLoadCodeBlock_JPEG2K_32s_C1R(block.data(), size.width * 4, size, encoder.state,
-                                                               way.subband, magnBits, way.termMode, 0, way.style,
-                                                               &coded.sfBits, &coded.passes, &segments));
+    EXPECT_EQ(vekStsOk,
+              vekiEncodeLoadCodeBlock_JPEG2K_32s_C1R(reinterpret_cast<const int32_t*>(block.data()), size.width * 4,
+                                                     size, encoder.state, way.subband, magnBits, way.termMode, 0,
+                                                     way.style, &coded.sfBits, &coded.passes, &segments));
     int isNotFinish = 1;
     for (int calls = 0; isNotFinish != 0 && calls < 200000; ++calls) {
         GuardedArray<uint8_t> piece(static_cast<size_t>(way.room));
@@ -66,8 +66,8 @@ Coded encode(Encoder& encoder, const std::vector<int32_t>& block, VekSize size, 
     return coded;
 }
 
-std::vector<int32_t> decode(const Coded& coded, VekSize size, const Way& way, int moreStyle = 0,
-                            VekStatus expected = vekStsOk)
+std::vector<uint32_t> decode(const Coded& coded, VekSize size, const Way& way, int moreStyle = 0,
+                             VekStatus expected = vekStsOk)
 {
     int bytes = 0;
     EXPECT_EQ(vekStsOk, vekiDecodeGetBufSize_JPEG2K(size, &bytes));
@@ -83,23 +83,6 @@ std::vector<int32_t> decode(const Coded& coded, VekSize size, const Way& way, in
                                                              static_cast<int>(coded.lengths.size()),
                                                              way.style | moreStyle, nullptr, state));
     return {block.data(), block.data() + size.width * size.height};
-}
-
-// Blocks as wavelets give them, and others.
-std::vector<int32_t> randomBlock(Random& random, VekSize size, int planes)
-{
-    std::vector<int32_t> block(static_cast<size_t>(size.width * size.height));
-    const int percent = random.in(0, 100);
-    const bool isGeometric = random.chance(60);
-    for (int32_t& v : block) {
-        uint32_t magnitude = 0;
-        if (random.chance(percent)) {
-            const int bits = isGeometric ? std::min(random.in(1, planes), random.in(1, planes)) : planes;
-            magnitude = random.any<uint32_t>() & ((uint32_t{1} << bits) - 1);
-        }
-        v = static_cast<int32_t>(magnitude == 0 ? 0 : magnitude | random.in(0U, 1U) << 31);
-    }
-    return block;
 }
 
 TEST(CodeBlockRoundTrip, EveryStyleTerminationAndSubbandIsLossless)
@@ -163,7 +146,7 @@ TEST(CodeBlockRoundTrip, LosslessDistortionIsTheSquaredErrorThatIsGone)
         const auto block = randomBlock(random, size, 6);  // no bits below those that the tables look at
         const Coded coded = encode(encoder, block, size, {0, 0x20, 0, 100000});
         double energy = 0;
-        for (const int32_t v : block) energy += double(v & 0x7FFFFFFF) * (v & 0x7FFFFFFF);
+        for (const uint32_t v : block) energy += double(v & 0x7FFFFFFF) * (v & 0x7FFFFFFF);
         ASSERT_DOUBLE_EQ(energy, coded.passes == 0 ? 0 : coded.distortions.back());
     }
 }
