@@ -1,91 +1,72 @@
 #include <memory>
-#include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/commands.h"
-#include "commands/progress.h"
-#include "error.h"
+#include "commands/decoding.h"
+#include "commands/only_options.h"
 #include "image/formats.h"
 #include "io/input_file.h"
-#include "io/output_file.h"
-#include "jpeg/decoder.h"
 #include "vekcore.h"
 
 namespace vekpix {
 
 namespace {
 
-struct DecodeArguments {
-    std::string input;
-    std::string output;
-    int scale = 1;
-    int threads = 0;
-    std::string upsampling = "smooth";
+struct DecodeCommand {
+    struct Choice {
+        std::unique_ptr<Decoding> decoding;
+        CLI::Option_group* options;
+    };
+
+    void add(CLI::App& command, std::unique_ptr<Decoding> decoding)
+    {
+        CLI::Option_group* const group = command.add_option_group(decoding->name());
+        decoding->addOptions(*group);
+        choices.push_back({std::move(decoding), group});
+    }
+
+    void run()
+    {
+        formatOf(request.output);  // before any work: it may be an Error
+        const std::vector<uint8_t> file = readFile(request.input);
+        Decoding* chosen = nullptr;
+        for (const Choice& choice : choices)
+            if (choice.decoding->reads(file))
+                chosen = choice.decoding.get();
+        if (chosen == nullptr)
+            throw Error(request.input + ": its first bytes tell no coded picture that can be decoded");
+        for (const Choice& choice : choices)
+            if (choice.decoding.get() != chosen)
+                refuseOptions(*choice.options, request.input, chosen->name());
+        if (request.threads == 0)
+            request.threads = ownGetNumThreads();
+        chosen->decode(request, file);
+    }
+
+    DecodeRequest request;
+    std::vector<Choice> choices;
 };
-
-// Calls `read`; its Error also tells the file.
-template <class Read>
-auto reading(const std::string& path, const Read& read)
-{
-    try {
-        return read();
-    } catch (const Error& error) {
-        throw Error(path + ": " + error.what());
-    }
-}
-
-void decodeRows(const std::string& path, jpeg::Decoder& decoder, RowWriter& writer)
-{
-    const size_t step = decoder.shape().rowBytes();
-    std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
-    Progress progress(decoder.height());
-    while (const int rows = reading(path, [&] { return decoder.readBand(band.data(), step); })) {
-        writer.writeRows(band.data(), step, rows);
-        progress.advance(rows);
-    }
-}
-
-void decode(const DecodeArguments& arguments)
-{
-    const ImageFormat format = formatOf(arguments.output);
-    const std::vector<uint8_t> file = readFile(arguments.input);
-    jpeg::DecodeOptions options;
-    options.scale = arguments.scale;
-    options.inks = format == ImageFormat::Pam;
-    options.upsampling = arguments.upsampling == "box" ? jpeg::Upsampling::Box : jpeg::Upsampling::Smooth;
-    options.threads = arguments.threads == 0 ? ownGetNumThreads() : arguments.threads;
-    const auto decoder = reading(arguments.input, [&] { return std::make_unique<jpeg::Decoder>(file, options); });
-    OutputFile output(arguments.output);
-    const auto writer = makePictureWriter(format, decoder->shape(), output);
-    decodeRows(arguments.input, *decoder, *writer);
-    writer->finish();
-    output.commit();
-}
 
 }  // namespace
 
 void addDecodeCommand(CLI::App& app)
 {
-    auto arguments = std::make_shared<DecodeArguments>();
-    CLI::App* command = app.add_subcommand("decode", "Decodes a JPEG file.");
+    auto decode = std::make_shared<DecodeCommand>();
+    DecodeRequest& request = decode->request;
+    request.threads = 0;
+    CLI::App* command = app.add_subcommand("decode", "Decodes a file, whose first bytes tell its format.");
     command
-        ->add_option("input", arguments->input,
+        ->add_option("input", request.input,
                      "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16)")
         ->required();
-    command->add_option("output", arguments->output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
+    command->add_option("output", request.output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
         ->required();
-    command->add_option("--scale", arguments->scale, "divides width and height")
-        ->check(CLI::IsMember({1, 2, 4, 8}))
-        ->capture_default_str();
-    command
-        ->add_option("--upsampling", arguments->upsampling,
-                     "chroma with fewer samples: smooth by a triangle filter, box by replication")
-        ->check(CLI::IsMember({"smooth", "box"}))
-        ->capture_default_str();
-    command->add_option("--threads", arguments->threads, "threads to work with; 0 for all processors")
+    command->add_option("--threads", request.threads, "threads to work with; 0 for all processors")
         ->check(CLI::Range(0, 256))
         ->capture_default_str();
-    command->callback([arguments] { decode(*arguments); });
+    decode->add(*command, makeJpegDecoding());
+    command->callback([decode] { decode->run(); });
 }
 
 }  // namespace vekpix

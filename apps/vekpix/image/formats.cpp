@@ -28,6 +28,8 @@ ImageFormat formatOf(const std::string& path)
     throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .jpg)");
 }
 
+const char* codedFileExtensions() { return ".jpg or .jpeg"; }
+
 std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth)
 {
     switch (formatOf(path)) {

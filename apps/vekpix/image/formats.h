@@ -20,6 +20,9 @@ enum class SampleDepth {
 // By the extension (png, ppm, pgm, pam, jpg, jpeg; upper case too). An Error for any other name.
 ImageFormat formatOf(const std::string& path);
 
+// What names of coded pictures end with, for messages.
+const char* codedFileExtensions();
+
 // The rows of a PNG, PPM, PGM or PAM file; palettes become colours, transparency shows white.
 std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth = SampleDepth::Eight);
 
