@@ -1,6 +1,7 @@
 // BC4 and BC5: images of one and of two channels.
 #include "frame/implementations.h"
 #include "texture/alpha_block.h"
+#include "texture/channel_group.h"
 #include "texture/image_functions.h"
 
 namespace q3 {
@@ -44,6 +45,55 @@ void decodeBc5(const uint8_t* block, uint8_t* pDst, int64_t step)
     storeHigh64(rowAt(pDst, step, 3), lower);
 }
 
+void storeGroup(const GroupRows& rows, uint8_t* pDst, int64_t step)
+{
+    const auto store = [&](int y, __m256i v) {
+        const __m256i inOrder = _mm256_permute4x64_epi64(v, 0xD8);
+        storeU128(rowAt(pDst, step, y), _mm256_castsi256_si128(inOrder));
+        storeU128(rowAt(pDst, step, y + 1), _mm256_extracti128_si256(inOrder, 1));
+    };
+    store(0, rows.upper);
+    store(2, rows.lower);
+}
+
+// Rows of 16 bytes of four blocks of BC4.
+void decodeGroupBc4(const uint8_t* blocks, uint8_t* pDst, int64_t step) { storeGroup(decodeGroup(blocks), pDst, step); }
+
+// Rows of 16 bytes of two blocks of BC5.
+void decodeGroupBc5(const uint8_t* blocks, uint8_t* pDst, int64_t step)
+{
+    const __m256i pairs =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15));
+    const GroupRows rows = decodeGroup(blocks);
+    storeGroup({_mm256_shuffle_epi8(rows.upper, pairs), _mm256_shuffle_epi8(rows.lower, pairs)}, pDst, step);
+}
+
+// Groups of blocks that give rows of 16 bytes, while such rows lie in the image; the other blocks one by one.
+template <int pixelBytes, int blockBytes, DecodeBlock decode, DecodeBlock decodeWholeGroup>
+VekStatus decodeInGroups(const uint8_t* pSrc, uint8_t* pDst, int64_t dstStep, VekSize roiSize)
+{
+    VEK_CHECK_IMAGE(pSrc, pDst, dstStep, roiSize);
+    constexpr int columns = 16 / pixelBytes;
+    const int rest = roiSize.width % columns;
+    const auto decodeSingly = [&](int x, int y, VekSize size) {
+        decodeBlocks<pixelBytes, blockBytes>(
+            pSrc, rowAt(pDst, dstStep, y) + pixelBytes * ptrdiff_t{x}, dstStep, size,
+            [](const uint8_t* block, uint8_t* p, int64_t step) { decode(block, p, step); });
+        pSrc += (size.width + 3) / 4 * ptrdiff_t{blockBytes};
+    };
+    int y = 0;
+    for (; y <= roiSize.height - 4; y += 4) {
+        uint8_t* p = rowAt(pDst, dstStep, y);
+        for (int i = 0; i < roiSize.width / columns; ++i, p += 16, pSrc += groupBytes)
+            decodeWholeGroup(pSrc, p, dstStep);
+        if (rest > 0)
+            decodeSingly(roiSize.width - rest, y, {rest, 4});
+    }
+    if (y < roiSize.height)
+        decodeSingly(0, y, {roiSize.width, roiSize.height - y});
+    return vekStsOk;
+}
+
 }  // namespace
 
 VekStatus vekiTextureEncodeBlock_BC4_8u_C1R(const uint8_t* pSrc, uint32_t srcStep, VekSize roiSize, uint8_t* pDst)
@@ -59,12 +109,12 @@ VekStatus vekiTextureEncodeBlockFromRG_BC5_8u_C2C1R(const uint8_t* pSrc, uint32_
 
 VekStatus vekiTextureDecodeBlock_BC4_8u_C1R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep, VekSize roiSize)
 {
-    return decodeImage<1, 8, decodeBc4>(pSrc, pDst, dstStep, roiSize);
+    return decodeInGroups<1, 8, decodeBc4, decodeGroupBc4>(pSrc, pDst, dstStep, roiSize);
 }
 
 VekStatus vekiTextureDecodeBlockToRG_BC5_8u_C1C2R(const uint8_t* pSrc, uint8_t* pDst, uint32_t dstStep, VekSize roiSize)
 {
-    return decodeImage<2, 16, decodeBc5>(pSrc, pDst, dstStep, roiSize);
+    return decodeInGroups<2, 16, decodeBc5, decodeGroupBc5>(pSrc, pDst, dstStep, roiSize);
 }
 
 }  // namespace q3

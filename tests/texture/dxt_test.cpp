@@ -164,6 +164,22 @@ TEST_P(DxtDecoder, EverySizeAsTheModel)
         }
 }
 
+// Rows of several groups of blocks, with and without a rest.
+TEST_P(DxtDecoder, WideImagesAsTheModel)
+{
+    const Decoder& d = GetParam();
+    Random random(23);
+    for (int width = 31; width <= 66; ++width) {
+        const int height = random.in(4, 13);
+        Bytes blocks(blocksOf(width, height) * d.blockBytes);
+        random.fill(blocks);
+        const size_t step = static_cast<size_t>(width * d.channels + random.in(0, 9));
+        ASSERT_EQ(d.model(blocks, width, height).bytes,
+                  decode(d, blocks, width, height, step, support::Guard::Behind).bytes)
+            << width << 'x' << height;
+    }
+}
+
 // Bytes 0 and 1 take every pair of values; so do bytes 8 and 9, with others.
 TEST_P(DxtDecoder, EveryPairOfEndpointBytesAsTheModel)
 {
