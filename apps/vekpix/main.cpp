@@ -1,5 +1,5 @@
 // vekpix: codes and decodes pictures by the library's functions. The folders: commands (the command line), image (PNG
-// and PNM pictures), io (files), jpeg (the JPEG format).
+// and PNM pictures), io (files), work (threads), and one for each coded format.
 #include <cstdio>
 #include <exception>
 #include <new>

@@ -58,7 +58,7 @@ void addDecodeCommand(CLI::App& app)
     CLI::App* command = app.add_subcommand("decode", "Decodes a file, whose first bytes tell its format.");
     command
         ->add_option("input", request.input,
-                     "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16)")
+                     "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16); JPEG 2000 file")
         ->required();
     command->add_option("output", request.output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
         ->required();
@@ -66,6 +66,7 @@ void addDecodeCommand(CLI::App& app)
         ->check(CLI::Range(0, 256))
         ->capture_default_str();
     decode->add(*command, makeJpegDecoding());
+    decode->add(*command, makeJpeg2000Decoding());
     command->callback([decode] { decode->run(); });
 }
 

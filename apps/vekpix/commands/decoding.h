@@ -35,6 +35,7 @@ public:
 };
 
 std::unique_ptr<Decoding> makeJpegDecoding();
+std::unique_ptr<Decoding> makeJpeg2000Decoding();
 
 // Calls `read`; its Error also tells the file.
 template <class Read>

@@ -7,13 +7,13 @@
 #include "error.h"
 #include "image/memory_rows.h"
 #include "jpeg/entropy_writer.h"
-#include "jpeg/library_status.h"
 #include "jpeg/lossless_encoder.h"
 #include "jpeg/marker_writer.h"
 #include "jpeg/mcu_transform.h"
 #include "jpeg/scan_passes.h"
 #include "jpeg/standard_tables.h"
 #include "jpeg/store_writer.h"
+#include "library_status.h"
 
 namespace vekpix::jpeg {
 

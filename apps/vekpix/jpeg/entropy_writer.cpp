@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
-#include "jpeg/library_status.h"
 #include "jpeg/markers.h"
+#include "library_status.h"
 
 namespace vekpix::jpeg {
 

@@ -6,9 +6,9 @@
 #include "error.h"
 #include "jpeg/band_source.h"
 #include "jpeg/entropy_reader.h"
-#include "jpeg/library_status.h"
 #include "jpeg/lossless_bias.h"
 #include "jpeg/row_colours.h"
+#include "library_status.h"
 
 namespace vekpix::jpeg {
 

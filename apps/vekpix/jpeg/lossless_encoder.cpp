@@ -9,10 +9,10 @@
 #include "error.h"
 #include "image/depth_rows.h"
 #include "jpeg/entropy_writer.h"
-#include "jpeg/library_status.h"
 #include "jpeg/lossless_bias.h"
 #include "jpeg/marker_writer.h"
 #include "jpeg/markers.h"
+#include "library_status.h"
 #include "vekj.h"
 
 namespace vekpix::jpeg {

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "image/depth_rows.h"
-#include "jpeg/library_status.h"
+#include "library_status.h"
 #include "vekj.h"
 
 namespace vekpix::jpeg {

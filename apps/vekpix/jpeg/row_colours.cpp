@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "jpeg/library_status.h"
+#include "library_status.h"
 #include "vekj.h"
 
 namespace vekpix::jpeg {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "jpeg/library_status.h"
+#include "library_status.h"
 #include "vekj.h"
 
 namespace vekpix::jpeg {

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "error.h"
-#include "jpeg/library_status.h"
 #include "jpeg/markers.h"
 #include "jpeg/scan_walk.h"
+#include "library_status.h"
 
 namespace vekpix::jpeg {
 

@@ -1,13 +1,13 @@
 // Library calls that cannot fail on what the application hands them: a failure is a defect, and must not pass unseen.
-#ifndef VEKPIX_JPEG_LIBRARY_STATUS_H
-#define VEKPIX_JPEG_LIBRARY_STATUS_H
+#ifndef VEKPIX_LIBRARY_STATUS_H
+#define VEKPIX_LIBRARY_STATUS_H
 
 #include <stdexcept>
 #include <string>
 
 #include "vekj.h"
 
-namespace vekpix::jpeg {
+namespace vekpix {
 
 inline void expectOk(VekStatus status, const char* call)
 {
@@ -15,6 +15,6 @@ inline void expectOk(VekStatus status, const char* call)
         throw std::logic_error(std::string(call) + " failed with status " + std::to_string(status));
 }
 
-}  // namespace vekpix::jpeg
+}  // namespace vekpix
 
 #endif

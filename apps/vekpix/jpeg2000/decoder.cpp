@@ -1,0 +1,200 @@
+#include "jpeg2000/decoder.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "error.h"
+#include "jpeg2000/codestream_reader.h"
+#include "jpeg2000/inverse_transform.h"
+#include "jpeg2000/jp2_boxes.h"
+#include "jpeg2000/pixel_rows.h"
+
+namespace vekpix::jpeg2000 {
+
+namespace {
+
+constexpr int bandHeight = 64;
+constexpr int mostBits = 16;
+
+// Whatever its data are, a tile may have this many samples; and so many more for each byte of data.
+constexpr int64_t samplesAnyway = int64_t{1} << 24;
+constexpr int64_t samplesPerByte = int64_t{1} << 18;
+constexpr int64_t blocksAnyway = int64_t{1} << 20;
+constexpr int64_t blocksPerByte = 1 << 10;
+
+// The components that are the picture's colours, in order.
+std::vector<int> colourComponents(const Jp2File& file, const PictureSize& size)
+{
+    const auto count = static_cast<int>(size.components.size());
+    const int colours = count >= 3 && file.colourSpace != ColourSpace::Grey ? 3 : 1;
+    std::vector<int> components;
+    for (int c = 0; c < colours; ++c) components.push_back(c);
+    for (const ChannelUse& use : file.channels)
+        if (use.isColour && use.colour >= 1 && use.colour <= colours && use.channel < count)
+            components[static_cast<size_t>(use.colour - 1)] = use.channel;
+    return components;
+}
+
+}  // namespace
+
+class Decoder::State {
+public:
+    State(std::span<const uint8_t> bytes, const DecodeOptions& options)
+        : file_(readJp2(bytes)),
+          codestream_(file_.codestream),
+          wanted_{options.layers, options.droppedResolutions},
+          colours_(colourComponents(file_, codestream_.size())),
+          crew_(options.threads)
+    {
+        const PictureSize& size = codestream_.size();
+        checkSize(size);
+        const TileArea whole = {size.x0, size.y0, size.x1, size.y1};
+        const Rect rect = componentRect(whole, {8, false, 1, 1}, wanted_.droppedResolutions);
+        int bits = 8;
+        for (const int c : colours_) bits = std::max(bits, size.components[static_cast<size_t>(c)].bits);
+        shape_ = {rect.width(), rect.height(), static_cast<int>(colours_.size()), bits};
+        top_ = rect.y0;
+        left_ = rect.x0;
+        const int needed = 1 + *std::max_element(colours_.begin(), colours_.end());
+        const bool mayTransform = size.components.size() >= 3;
+        planeCount_ = static_cast<size_t>(std::max(needed, mayTransform ? 3 : 1));
+    }
+
+    const Shape& shape() const { return shape_; }
+    int bandRows() const { return std::min(bandHeight, shape_.height); }
+
+    int readBand(uint8_t* pixels, size_t step)
+    {
+        if (nextRow_ == shape_.height)
+            return 0;
+        while (nextRow_ == decodedRows_) decodeTileRow();
+        const int rows = std::min(bandRows(), decodedRows_ - nextRow_);
+        PixelRows converter(shape_, file_.colourSpace == ColourSpace::Sycc);
+        crew_.run(rows, [&](int row) {
+            std::array<SampleRow, 3> sources{};
+            for (size_t c = 0; c < colours_.size(); ++c)
+                sources[c] = sourceRow(static_cast<size_t>(colours_[c]), top_ + nextRow_ + row);
+            converter.convert(sources, pixels + step * static_cast<size_t>(row), left_);
+        });
+        nextRow_ += rows;
+        return rows;
+    }
+
+private:
+    void checkSize(const PictureSize& size) const
+    {
+        constexpr int64_t mostPixels = int64_t{1} << 31;
+        if ((size.x1 - size.x0) * (size.y1 - size.y0) > mostPixels)
+            throw Error("the picture is too large");
+        for (const int c : colours_) {
+            const ComponentSize& component = size.components[static_cast<size_t>(c)];
+            if (component.bits > mostBits)
+                throw Error("samples of more than 16 bits are not supported");
+        }
+    }
+
+    // Decodes the next row of tiles.
+    void decodeTileRow()
+    {
+        const PictureSize& size = codestream_.size();
+        const TileArea first = tileArea(size, tileRow_ * size.tilesWide());
+        const TileArea row = {size.x0, first.y0, size.x1, first.y1};
+        makePlanes(row);
+        for (int column = 0; column < size.tilesWide(); ++column) decodeTile(tileRow_ * size.tilesWide() + column);
+        ++tileRow_;
+        decodedRows_ = static_cast<int>(ceilShift(first.y1, wanted_.droppedResolutions)) - top_;
+    }
+
+    // Memory for the samples of all components in an area.
+    void makePlanes(const TileArea& area)
+    {
+        const PictureSize& size = codestream_.size();
+        planeRects_.clear();
+        int64_t samples = 0;
+        for (size_t c = 0; c < planeCount_; ++c) {
+            planeRects_.push_back(componentRect(area, size.components[c], wanted_.droppedResolutions));
+            samples += int64_t{planeRects_[c].width()} * planeRects_[c].height();
+        }
+        int64_t bytes = 0;
+        for (int column = 0; column < size.tilesWide(); ++column)
+            for (const auto& part : codestream_.tileData(tileRow_ * size.tilesWide() + column))
+                bytes += static_cast<int64_t>(part.size());
+        if (samples > samplesAnyway + samplesPerByte * bytes)
+            throw Error("the picture is too large for the data that the file holds");
+        samples_.resize(static_cast<size_t>(samples));
+    }
+
+    std::vector<Plane> tilePlanes(const TileArea& area)
+    {
+        std::vector<Plane> planes;
+        int32_t* samples = samples_.data();
+        for (size_t c = 0; c < planeCount_; ++c) {
+            const Rect& whole = planeRects_[c];
+            const Rect tile = componentRect(area, codestream_.size().components[c], wanted_.droppedResolutions);
+            const Plane plane = {samples, static_cast<size_t>(whole.width())};
+            planes.push_back({plane.at(tile.x0 - whole.x0, tile.y0 - whole.y0), plane.step});
+            samples += static_cast<size_t>(whole.width()) * static_cast<size_t>(whole.height());
+        }
+        return planes;
+    }
+
+    void decodeTile(int tile)
+    {
+        const PictureSize& size = codestream_.size();
+        const TileParameters parameters = codestream_.tileParameters(tile);
+        for (size_t c = 0; c < planeCount_; ++c)
+            if (parameters.components[c].style.levels < wanted_.droppedResolutions)
+                throw Error("the picture does not have as many resolutions to leave out");
+        const auto& parts = codestream_.tileData(tile);
+        int64_t bytes = 0;
+        for (const auto& part : parts) bytes += static_cast<int64_t>(part.size());
+        const TileLayout layout = layOutTile(size, parameters, tile, blocksAnyway + blocksPerByte * bytes);
+        const TileData data = readPackets(layout, parameters, parts, wanted_);
+        const std::vector<Plane> planes = tilePlanes(tileArea(size, tile));
+        decodeBlocks(layout, size, parameters, data, wanted_, planes, crew_);
+        inverseTransform(layout, size, parameters, wanted_, planes, crew_);
+    }
+
+    // Of a component, the row of samples for a row of pixels.
+    SampleRow sourceRow(size_t component, int y)
+    {
+        const ComponentSize& size = codestream_.size().components[component];
+        const Rect& rect = planeRects_[component];
+        const int32_t* samples = samples_.data();
+        for (size_t c = 0; c < component; ++c)
+            samples += static_cast<size_t>(planeRects_[c].width()) * static_cast<size_t>(planeRects_[c].height());
+        const int row = std::clamp(y / size.dy, rect.y0, std::max(rect.y0, rect.y1 - 1)) - rect.y0;
+        return {samples + static_cast<size_t>(row) * static_cast<size_t>(rect.width()), rect.x0, rect.width(), &size};
+    }
+
+    Jp2File file_;
+    Codestream codestream_;
+    Wanted wanted_;
+    std::vector<int> colours_;
+    Crew crew_;
+    Shape shape_;
+    int top_ = 0;
+    int left_ = 0;
+    size_t planeCount_ = 0;
+    int tileRow_ = 0;
+    int decodedRows_ = 0;
+    int nextRow_ = 0;
+    std::vector<Rect> planeRects_;
+    std::vector<int32_t> samples_;
+};
+
+Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)
+    : state_(std::make_unique<State>(file, options))
+{
+}
+
+Decoder::~Decoder() = default;
+
+const Shape& Decoder::shape() const { return state_->shape(); }
+
+int Decoder::bandRows() const { return state_->bandRows(); }
+
+int Decoder::readBand(uint8_t* pixels, size_t step) { return state_->readBand(pixels, step); }
+
+}  // namespace vekpix::jpeg2000
