@@ -58,15 +58,19 @@ void addDecodeCommand(CLI::App& app)
     CLI::App* command = app.add_subcommand("decode", "Decodes a file, whose first bytes tell its format.");
     command
         ->add_option("input", request.input,
-                     "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16); JPEG 2000 file")
+                     "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16); JPEG 2000 file; "
+                     "DDS file of blocks")
         ->required();
-    command->add_option("output", request.output, "PNG, PPM, PGM or PAM file; PAM keeps the inks of CMYK pictures")
+    command
+        ->add_option("output", request.output,
+                     "PNG, PPM, PGM or PAM file, PFM for BC6H textures; PAM keeps the inks of CMYK pictures")
         ->required();
     command->add_option("--threads", request.threads, "threads to work with; 0 for all processors")
         ->check(CLI::Range(0, 256))
         ->capture_default_str();
     decode->add(*command, makeJpegDecoding());
     decode->add(*command, makeJpeg2000Decoding());
+    decode->add(*command, makeDdsDecoding());
     command->callback([decode] { decode->run(); });
 }
 

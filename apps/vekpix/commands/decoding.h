@@ -36,6 +36,7 @@ public:
 
 std::unique_ptr<Decoding> makeJpegDecoding();
 std::unique_ptr<Decoding> makeJpeg2000Decoding();
+std::unique_ptr<Decoding> makeDdsDecoding();
 
 // Calls `read`; its Error also tells the file.
 template <class Read>

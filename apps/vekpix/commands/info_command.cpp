@@ -1,9 +1,11 @@
 #include <iostream>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "commands/commands.h"
+#include "dds/describe.h"
 #include "error.h"
 #include "image/formats.h"
 #include "io/input_file.h"
@@ -13,11 +15,12 @@ namespace vekpix {
 
 namespace {
 
-void describeJpeg(const std::string& path)
+// Prints what `describe` finds in a file, up to where it fails.
+void describeCoded(const std::string& path, void (*describe)(std::span<const uint8_t>, std::ostream&))
 {
     const std::vector<uint8_t> file = readFile(path);
     try {
-        jpeg::describe(file, std::cout);
+        describe(file, std::cout);
         std::cout.flush();
     } catch (const Error& error) {
         std::cout.flush();
@@ -27,13 +30,14 @@ void describeJpeg(const std::string& path)
 
 void describePicture(const std::string& path, ImageFormat format)
 {
-    const std::unique_ptr<RowReader> reader = openPicture(path, SampleDepth::AsStored);
-    const char* colours = reader->channels() == 1 ? "grey" : reader->channels() == 3 ? "RGB" : "CMYK";
+    const std::unique_ptr<RowReader> reader = openPicture(path, SampleDepth::AsStored, Transparency::Kept);
+    const Shape& shape = reader->shape();
+    const char* colours = shape.colours() == 1 ? "grey" : shape.colours() == 3 ? "RGB" : "CMYK";
     std::cout << (format == ImageFormat::Png   ? "PNG"
                   : format == ImageFormat::Pam ? "PAM"
                                                : "PNM")
               << "\nread as " << reader->width() << " x " << reader->height() << ", " << reader->shape().bits
-              << " bits, " << colours << '\n';
+              << " bits, " << colours << (shape.alpha ? ", alpha\n" : "\n");
 }
 
 }  // namespace
@@ -42,11 +46,13 @@ void addInfoCommand(CLI::App& app)
 {
     auto path = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("info", "Tells what a picture file holds.");
-    command->add_option("file", *path, "JPEG, PNG, PPM, PGM or PAM file")->required();
+    command->add_option("file", *path, "JPEG, DDS, PNG, PPM, PGM or PAM file")->required();
     command->callback([path] {
         const ImageFormat format = formatOf(*path);
         if (format == ImageFormat::Jpeg)
-            describeJpeg(*path);
+            describeCoded(*path, jpeg::describe);
+        else if (format == ImageFormat::Dds)
+            describeCoded(*path, dds::describe);
         else
             describePicture(*path, format);
     });

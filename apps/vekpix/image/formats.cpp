@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "error.h"
+#include "image/over_white_rows.h"
 #include "image/png_rows.h"
 #include "image/pnm_rows.h"
 
@@ -25,12 +26,18 @@ ImageFormat formatOf(const std::string& path)
         return ImageFormat::Pam;
     if (extension == ".jpg" || extension == ".jpeg")
         return ImageFormat::Jpeg;
-    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .jpg)");
+    if (extension == ".dds")
+        return ImageFormat::Dds;
+    if (extension == ".pfm")
+        return ImageFormat::Pfm;
+    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .pfm, .jpg, .dds)");
 }
 
-const char* codedFileExtensions() { return ".jpg or .jpeg"; }
+const char* codedFileExtensions() { return ".jpg, .jpeg or .dds"; }
 
-std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth)
+namespace {
+
+std::unique_ptr<RowReader> openAsStored(const std::string& path, SampleDepth depth)
 {
     switch (formatOf(path)) {
         case ImageFormat::Png:
@@ -39,10 +46,20 @@ std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth dept
         case ImageFormat::Pgm:
         case ImageFormat::Pam:
             return openPnm(path, depth);
+        case ImageFormat::Pfm:
         case ImageFormat::Jpeg:
+        case ImageFormat::Dds:
             break;
     }
     throw Error(path + ": must be a PNG, PPM, PGM or PAM picture");
+}
+
+}  // namespace
+
+std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth, Transparency transparency)
+{
+    std::unique_ptr<RowReader> picture = openAsStored(path, depth);
+    return transparency == Transparency::Kept ? std::move(picture) : overWhite(std::move(picture));
 }
 
 std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink)
@@ -56,7 +73,9 @@ std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& sh
             return makePnmWriter(shape, PnmKind::Pgm, sink);
         case ImageFormat::Pam:
             return makePnmWriter(shape, PnmKind::Pam, sink);
+        case ImageFormat::Pfm:
         case ImageFormat::Jpeg:
+        case ImageFormat::Dds:
             break;
     }
     throw Error("the picture must become a PNG, PPM, PGM or PAM file");

@@ -10,24 +10,30 @@
 
 namespace vekpix {
 
-enum class ImageFormat { Png, Ppm, Pgm, Pam, Jpeg };
+enum class ImageFormat { Png, Ppm, Pgm, Pam, Pfm, Jpeg, Dds };
 
 enum class SampleDepth {
     Eight,     // samples of more bits are rounded
     AsStored,  // as many bits as the file tells, at least 8
 };
 
-// By the extension (png, ppm, pgm, pam, jpg, jpeg; upper case too). An Error for any other name.
+// By the extension (png, ppm, pgm, pam, pfm, jpg, jpeg, dds; upper case too). An Error for any other name.
 ImageFormat formatOf(const std::string& path);
 
 // What names of coded pictures end with, for messages.
 const char* codedFileExtensions();
 
-// The rows of a PNG, PPM, PGM or PAM file; palettes become colours, transparency shows white.
-std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth = SampleDepth::Eight);
+enum class Transparency {
+    White,  // shows white
+    Kept,   // as an alpha channel, if the file has one
+};
+
+// The rows of a PNG, PPM, PGM or PAM file; palettes become colours.
+std::unique_ptr<RowReader> openPicture(const std::string& path, SampleDepth depth = SampleDepth::Eight,
+                                       Transparency transparency = Transparency::White);
 
 // Writes a PNG, PPM, PGM or PAM picture to `sink`, which must outlive the writer. A PPM picture of one channel has
-// equal colours; a PGM picture must have one channel, and four fit into PAM only.
+// equal colours; a PGM picture must have one channel. PNG and PAM hold alpha, and PAM alone holds inks.
 std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& shape, ByteSink& sink);
 
 }  // namespace vekpix

@@ -6,11 +6,11 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <optional>
 #include <vector>
 
 #include "error.h"
+#include "image/depth_rows.h"
 #include "image/memory_rows.h"
 #include "io/input_file.h"
 
@@ -56,14 +56,6 @@ private:
     std::array<char, 200> message_{};
 };
 
-// Over white, to the nearest.
-template <class Sample>
-Sample overWhite(Sample colour, Sample alpha)
-{
-    constexpr uint32_t white = std::numeric_limits<Sample>::max();
-    return static_cast<Sample>((uint32_t{colour} * alpha + white * (white - alpha) + white / 2) / white);
-}
-
 class PngReader : public RowReader {
 public:
     PngReader(const std::string& path, SampleDepth depth)
@@ -93,9 +85,8 @@ public:
         }
         for (int y = 0; y < rows; ++y) {
             uint8_t* row = pixels + step * static_cast<size_t>(y);
-            uint8_t* target = hasAlpha_ ? withAlpha_.data() : row;
-            failure_.run(png_, [&] { png_read_row(png_, target, nullptr); });
-            finishRow(target, row);
+            failure_.run(png_, [&] { png_read_row(png_, row, nullptr); });
+            finishRow(row);
         }
     }
 
@@ -121,11 +112,8 @@ private:
         if (file_.size() && rawBytes / mostPixelBytesPerFileByte > *file_.size())
             throw Error(file_.path() + ": the file is too short for its picture");
         failure_.run(png_, [&] { png_read_update_info(png_, info_); });
-        const int fileChannels = png_get_channels(png_, info_);
-        hasAlpha_ = fileChannels % 2 == 0;
-        shape_.channels = fileChannels - (hasAlpha_ ? 1 : 0);
-        if (hasAlpha_)
-            withAlpha_.resize(static_cast<size_t>(width()) * static_cast<size_t>(fileChannels) * shape_.sampleBytes());
+        shape_.channels = png_get_channels(png_, info_);
+        shape_.alpha = shape_.channels % 2 == 0;
         if (passes_ > 1)
             readInterlaced();
     }
@@ -133,15 +121,10 @@ private:
     // The passes of an interlaced picture touch all its rows, so it is read as a whole.
     void readInterlaced()
     {
-        const int channels = shape_.channels + (hasAlpha_ ? 1 : 0);
-        Raster raw(Shape{width(), height(), channels, shape_.bits});
+        whole_.emplace(shape_);
         for (int pass = 0; pass < passes_; ++pass)
-            for (int y = 0; y < height(); ++y) failure_.run(png_, [&] { png_read_row(png_, raw.row(y), nullptr); });
-        raw.shape.channels = shape_.channels;
-        const size_t rawRow = hasAlpha_ ? withAlpha_.size() : raw.shape.rowBytes();
-        for (int y = 0; y < height(); ++y)  // rows only move towards the front
-            finishRow(raw.pixels.data() + rawRow * static_cast<size_t>(y), raw.row(y));
-        whole_ = std::move(raw);
+            for (int y = 0; y < height(); ++y) failure_.run(png_, [&] { png_read_row(png_, whole_->row(y), nullptr); });
+        for (int y = 0; y < height(); ++y) finishRow(whole_->row(y));
         wholeRows_.emplace(*whole_);
     }
 
@@ -159,35 +142,13 @@ private:
         }
     }
 
-    // From the file's layout to the picture's, which may be the same.
-    void finishRow(const uint8_t* from, uint8_t* to) const
+    // Takes the significant bits of each sample.
+    void finishRow(uint8_t* row) const
     {
-        if (shape_.bits == 8)
-            finishSamples<uint8_t>(from, to);
-        else
-            finishSamples<uint16_t>(from, to);
-    }
-
-    template <class Sample>
-    void finishSamples(const uint8_t* from, uint8_t* to) const
-    {
-        const int shift = static_cast<int>(8 * sizeof(Sample)) - shape_.bits;
-        if (!hasAlpha_ && shift == 0)
+        const int shift = 16 - shape_.bits;
+        if (shape_.bits == 8 || shift == 0)
             return;
-        const auto channels = static_cast<size_t>(shape_.channels);
-        const size_t fileChannels = channels + (hasAlpha_ ? 1 : 0);
-        std::array<Sample, 4> pixel{};
-        for (size_t x = 0; x < static_cast<size_t>(width()); ++x) {
-            std::memcpy(pixel.data(), from, fileChannels * sizeof(Sample));
-            for (size_t c = 0; c < channels; ++c) {
-                if (hasAlpha_)
-                    pixel[c] = overWhite(pixel[c], pixel[channels]);
-                pixel[c] = static_cast<Sample>(pixel[c] >> shift);
-            }
-            std::memcpy(to, pixel.data(), channels * sizeof(Sample));
-            from += fileChannels * sizeof(Sample);
-            to += channels * sizeof(Sample);
-        }
+        for (size_t i = 0; i < shape_.rowSamples(); ++i) setSample(row, i, 2, sampleAt(row, i, 2) >> shift);
     }
 
     static void onRead(png_structp png, png_bytep bytes, size_t length)
@@ -209,8 +170,6 @@ private:
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     int passes_ = 1;
-    bool hasAlpha_ = false;
-    std::vector<uint8_t> withAlpha_;
     std::optional<Raster> whole_;
     std::optional<MemoryRows> wholeRows_;
 };
@@ -219,7 +178,7 @@ class PngWriter : public RowWriter {
 public:
     PngWriter(const Shape& shape, ByteSink& sink) : shape_(shape), sink_(sink), failure_("cannot write a PNG picture: ")
     {
-        if (shape.channels == 4)
+        if (shape.inks())
             throw Error("a PNG file holds no picture of inks");
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &failure_, PngFailure::onError, PngFailure::onWarning);
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
@@ -259,12 +218,13 @@ private:
     {
         png_set_write_fn(png_, this, onWrite, onFlush);
         png_set_IHDR(png_, info_, static_cast<png_uint_32>(shape_.width), static_cast<png_uint_32>(shape_.height),
-                     shape_.bits > 8 ? 16 : 8, shape_.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB,
+                     shape_.bits > 8 ? 16 : 8,
+                     (shape_.colours() == 3 ? PNG_COLOR_MASK_COLOR : 0) | (shape_.alpha ? PNG_COLOR_MASK_ALPHA : 0),
                      PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
         png_set_compression_level(png_, compressionLevel);
         if (shape_.bits > 8 && shape_.bits < 16) {
             const auto bits = static_cast<png_byte>(shape_.bits);
-            const png_color_8 significant = {bits, bits, bits, bits, 0};
+            const png_color_8 significant = {bits, bits, bits, bits, bits};
             png_set_sBIT(png_, info_, &significant);
         }
         png_write_info(png_, info_);

@@ -1,4 +1,4 @@
-// PNG pictures, by libpng.
+// PNG pictures, by libpng; with their alpha, if they have any.
 #ifndef VEKPIX_IMAGE_PNG_ROWS_H
 #define VEKPIX_IMAGE_PNG_ROWS_H
 

@@ -136,6 +136,11 @@ private:
             (shape_.channels == 3 && (tupleType.empty() || tupleType == "RGB")) ||
             (shape_.channels == 4 && tupleType == "CMYK"))
             return;
+        if ((shape_.channels == 2 && tupleType == "GRAYSCALE_ALPHA") ||
+            (shape_.channels == 4 && tupleType == "RGB_ALPHA")) {
+            shape_.alpha = true;
+            return;
+        }
         fail("PAM pictures of " + std::to_string(shape_.channels) + " channels" +
              (tupleType.empty() ? "" : " and type " + tupleType) + " are not supported");
     }
@@ -198,16 +203,20 @@ public:
     PnmWriter(const Shape& shape, PnmKind kind, ByteSink& sink)
         : shape_(shape), copies_(kind == PnmKind::Ppm && shape.channels == 1 ? 3 : 1), sink_(sink)
     {
-        if (kind == PnmKind::Pgm && shape.channels != 1)
+        if (kind == PnmKind::Pgm && shape.colours() != 1)
             throw Error("a PGM file holds grey pictures only");
-        if (kind == PnmKind::Ppm && shape.channels == 4)
+        if (kind == PnmKind::Ppm && shape.inks())
             throw Error("a PPM file holds no picture of inks");
+        if (kind != PnmKind::Pam && shape.alpha)
+            throw Error("PGM and PPM files hold no alpha");
         const std::string width = std::to_string(shape.width);
         const std::string height = std::to_string(shape.height);
         const std::string largest = std::to_string((1 << shape.bits) - 1);
         std::string header;
         if (kind == PnmKind::Pam) {
-            const char* type = shape.channels == 1 ? "GRAYSCALE" : shape.channels == 3 ? "RGB" : "CMYK";
+            std::string type = shape.colours() == 1 ? "GRAYSCALE" : shape.colours() == 3 ? "RGB" : "CMYK";
+            if (shape.alpha)
+                type += "_ALPHA";
             header = "P7\nWIDTH " + width + "\nHEIGHT " + height + "\nDEPTH " + std::to_string(shape.channels) +
                      "\nMAXVAL " + largest + "\nTUPLTYPE " + type + "\nENDHDR\n";
         } else {

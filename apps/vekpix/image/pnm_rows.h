@@ -1,5 +1,5 @@
 // PPM and PGM pictures: binary (P5, P6) and plain (P2, P3), of any maximal value; PAM pictures (P7) of one, three or
-// four channels. Written binary with the largest value of their bits.
+// four channels, and of lights with alpha. Written binary with the largest value of their bits.
 #ifndef VEKPIX_IMAGE_PNM_ROWS_H
 #define VEKPIX_IMAGE_PNM_ROWS_H
 

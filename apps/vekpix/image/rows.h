@@ -1,6 +1,7 @@
 // Pictures as rows of interleaved samples, from the top: grey (one channel), red, green, blue (three), or the inks
-// cyan, magenta, yellow, black (four; the largest value is all ink). Samples of more than 8 bits are 16-bit words in
-// the machine's own order.
+// cyan, magenta, yellow, black (four; the largest value is all ink). Lights may have an alpha channel behind them, which
+// they are not multiplied by; its largest value is opaque. Samples of more than 8 bits are 16-bit words in the
+// machine's own order.
 #ifndef VEKPIX_IMAGE_ROWS_H
 #define VEKPIX_IMAGE_ROWS_H
 
@@ -12,9 +13,12 @@ namespace vekpix {
 struct Shape {
     int width = 0;
     int height = 0;
-    int channels = 0;  // 1, 3 or 4
+    int channels = 0;  // 1, 3 or 4; with alpha 2 or 4
     int bits = 8;      // 8 .. 16
+    bool alpha = false;
 
+    int colours() const { return channels - (alpha ? 1 : 0); }
+    bool inks() const { return colours() == 4; }
     size_t sampleBytes() const { return bits > 8 ? 2 : 1; }
     size_t rowSamples() const { return static_cast<size_t>(width) * static_cast<size_t>(channels); }
     size_t rowBytes() const { return rowSamples() * sampleBytes(); }

@@ -267,7 +267,8 @@ TEST_F(ImageRows, DamagedPnmFilesAreErrors)
         {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 1\nMAXVAL 255\nENDHDR\n", "ends before"},
         {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 1\nMAXVAL 65536\nENDHDR\n1", "maximal value"},
         {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 2\nMAXVAL 255\nENDHDR\n12", "2 channels"},
-        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n1234", "RGB_ALPHA"},
+        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 3\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n1234", "RGB_ALPHA"},
+        {"P7\nWIDTH 1\nHEIGHT 1\nDEPTH 5\nMAXVAL 255\nTUPLTYPE CMYK_ALPHA\nENDHDR\n12345", "CMYK_ALPHA"},
     };
     for (const auto& [bytes, words] : files) {
         save("a.pgm", bytes);
@@ -310,6 +311,47 @@ TEST_F(ImageRows, TransparencyShowsWhite)
     const png_color_16 transparent = {.index = 0, .red = 0, .green = 0, .blue = 0, .gray = 10};
     writePng(path("a.png"), {2, 1, 8, PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE, {}, {}, &transparent}, {10, 11});
     EXPECT_EQ((Bytes{255, 11}), load("a.png").pixels);
+}
+
+// Lights with alpha go through PNG and PAM files as they are, and are composed with white where alpha is not wanted.
+TEST_F(ImageRows, AlphaIsKeptOnRequest)
+{
+    const auto kept = [&](const std::string& name, vekpix::SampleDepth depth = vekpix::SampleDepth::Eight) {
+        return readPicture(*vekpix::openPicture(path(name), depth, vekpix::Transparency::Kept));
+    };
+    for (const int bits : {8, 12, 16})
+        for (const int channels : {2, 4}) {
+            const Shape shape = {23, 6, channels, bits, true};
+            Raster picture(shape);
+            for (size_t i = 0; i < picture.pixels.size(); ++i)
+                picture.pixels[i] = static_cast<uint8_t>(bits == 12 && i % 2 == 1 ? i % 16 : i * 37);
+            for (const auto& [format, name] :
+                 {std::pair(ImageFormat::Png, "a.png"), std::pair(ImageFormat::Pam, "a.pam")}) {
+                MemorySink sink;
+                const auto writer = vekpix::makePictureWriter(format, shape, sink);
+                writer->writeRows(picture.pixels.data(), shape.rowBytes(), shape.height);
+                writer->finish();
+                save(name, sink.bytes());
+                const Raster back = kept(name, vekpix::SampleDepth::AsStored);
+                EXPECT_EQ(shape, back.shape) << name;
+                EXPECT_TRUE(picture.pixels == back.pixels) << name << ' ' << bits;
+                EXPECT_EQ((Shape{23, 6, channels - 1, 8}), load(name).shape);
+            }
+            MemorySink sink;
+            EXPECT_THROW(vekpix::makePictureWriter(ImageFormat::Ppm, shape, sink), Error);
+        }
+    save("a.pam", std::string("P7\nWIDTH 3\nHEIGHT 1\nDEPTH 2\nMAXVAL 255\nTUPLTYPE GRAYSCALE_ALPHA\nENDHDR\n") +
+                      std::string("\x0A\xFF\x0A\x33\x00\x00", 6));
+    EXPECT_EQ((Bytes{10, 255, 10, 51, 0, 0}), kept("a.pam").pixels);
+    EXPECT_EQ((Bytes{10, 206, 255}), load("a.pam").pixels);
+    const Bytes pixels = {10, 20, 30, 255, 10, 20, 30, 0};
+    writePng(path("a.png"), {1, 2, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_ADAM7}, pixels);
+    EXPECT_EQ(pixels, kept("a.png").pixels);
+    writePng(path("a.png"), {2, 1, 8, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, {{1, 2, 3}, {0, 0, 0}}, {255, 51}},
+             {0, 1});
+    EXPECT_EQ((Bytes{1, 2, 3, 255, 0, 0, 0, 51}), kept("a.png").pixels);
+    save("a.ppm", std::string("P6 1 1 255\nabc"));
+    EXPECT_EQ((Shape{1, 1, 3}), kept("a.ppm").shape);
 }
 
 TEST_F(ImageRows, InterlacedPngIsReadWhole)
@@ -358,6 +400,8 @@ TEST_F(ImageRows, TheExtensionTellsTheFormat)
     EXPECT_EQ(ImageFormat::Pam, vekpix::formatOf("b.pam"));
     EXPECT_EQ(ImageFormat::Jpeg, vekpix::formatOf("b.jpg"));
     EXPECT_EQ(ImageFormat::Jpeg, vekpix::formatOf("b.JPEG"));
+    EXPECT_EQ(ImageFormat::Dds, vekpix::formatOf("b.dds"));
+    EXPECT_EQ(ImageFormat::Pfm, vekpix::formatOf("b.pfm"));
     EXPECT_THROW(vekpix::formatOf("b"), Error);
     EXPECT_THROW(vekpix::formatOf("b.gif"), Error);
     EXPECT_THROW(vekpix::openPicture(path("missing.png")), Error);
