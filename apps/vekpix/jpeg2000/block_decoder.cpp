@@ -49,13 +49,16 @@ bool tellsDamage(int style)
 
 int32_t magnitudeOf(int32_t sample) { return sample & INT32_MAX; }
 
-// Samples whose magnitude reaches above the planes of the background belong to a region of interest.
-void shiftRegionBack(int32_t* row, int width, int planes, int shift)
+// Samples whose magnitude reaches 2^shift belong to a region of interest, whatever planes the background has. They
+// have lost their midpoint to the shift: where there is a plane for it, they get it back.
+void shiftRegionBack(int32_t* row, int width, int shift, int extraPlanes)
 {
+    if (shift + extraPlanes >= mostPlanes)
+        return;
     for (int x = 0; x < width; ++x) {
         const int32_t magnitude = magnitudeOf(row[x]);
-        if (planes < mostPlanes && magnitude >> planes != 0)
-            row[x] = (row[x] & INT32_MIN) | magnitude >> shift;
+        if (magnitude >> (shift + extraPlanes) != 0)
+            row[x] = (row[x] & INT32_MIN) | magnitude >> shift | extraPlanes;
     }
 }
 
@@ -117,7 +120,7 @@ public:
         for (int y = 0; y < place.height; ++y) {
             int32_t* const row = plane.at(place.x, place.y + y);
             if (component.regionShift > 0)
-                shiftRegionBack(row, place.width, backgroundPlanes, std::min(component.regionShift, mostPlanes));
+                shiftRegionBack(row, place.width, component.regionShift, extraPlanes);
             if (component.style.reversible)
                 toIntegers(row, place.width);
             else
