@@ -100,10 +100,25 @@ private:
         const PictureSize& size = codestream_.size();
         const TileArea first = tileArea(size, tileRow_ * size.tilesWide());
         const TileArea row = {size.x0, first.y0, size.x1, first.y1};
+        keepLastRows();
         makePlanes(row);
         for (int column = 0; column < size.tilesWide(); ++column) decodeTile(tileRow_ * size.tilesWide() + column);
         ++tileRow_;
         decodedRows_ = static_cast<int>(ceilShift(first.y1, wanted_.droppedResolutions)) - top_;
+    }
+
+    // The rows of pixels at the top of a row of tiles may show samples of components that begin above them.
+    void keepLastRows()
+    {
+        rowsAbove_.resize(planeCount_);
+        const int32_t* samples = samples_.data();
+        for (size_t c = 0; c < planeRects_.size(); ++c) {
+            const auto width = static_cast<std::ptrdiff_t>(planeRects_[c].width());
+            const std::ptrdiff_t height = planeRects_[c].height();
+            if (height > 0 && codestream_.size().components[c].dy > 1)
+                rowsAbove_[c].assign(samples + (height - 1) * width, samples + height * width);
+            samples += height * width;
+        }
     }
 
     // Memory for the samples of all components in an area.
@@ -161,10 +176,15 @@ private:
     {
         const ComponentSize& size = codestream_.size().components[component];
         const Rect& rect = planeRects_[component];
+        const int wanted = y / size.dy;
+        if (wanted < rect.y0 && !rowsAbove_[component].empty())
+            return {rowsAbove_[component].data(), rect.x0, rect.width(), &size};
+        if (rect.empty())
+            return {nullptr, rect.x0, 0, &size};
         const int32_t* samples = samples_.data();
         for (size_t c = 0; c < component; ++c)
             samples += static_cast<size_t>(planeRects_[c].width()) * static_cast<size_t>(planeRects_[c].height());
-        const int row = std::clamp(y / size.dy, rect.y0, std::max(rect.y0, rect.y1 - 1)) - rect.y0;
+        const int row = std::clamp(wanted, rect.y0, rect.y1 - 1) - rect.y0;
         return {samples + static_cast<size_t>(row) * static_cast<size_t>(rect.width()), rect.x0, rect.width(), &size};
     }
 
@@ -182,6 +202,7 @@ private:
     int nextRow_ = 0;
     std::vector<Rect> planeRects_;
     std::vector<int32_t> samples_;
+    std::vector<std::vector<int32_t>> rowsAbove_;  // of each component, the last row of the tiles before
 };
 
 Decoder::Decoder(std::span<const uint8_t> file, const DecodeOptions& options)
