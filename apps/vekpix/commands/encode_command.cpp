@@ -61,6 +61,7 @@ void addEncodeCommand(CLI::App& app)
         ->check(CLI::Range(0, 256))
         ->capture_default_str();
     encode->add(*command, lossless, makeJpegEncoding());
+    encode->add(*command, lossless, makeJpeg2000Encoding());
     encode->add(*command, lossless, makeDdsEncoding());
     command->callback([encode] { encode->run(); });
 }

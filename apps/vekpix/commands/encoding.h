@@ -31,6 +31,7 @@ public:
 };
 
 std::unique_ptr<Encoding> makeJpegEncoding();
+std::unique_ptr<Encoding> makeJpeg2000Encoding();
 std::unique_ptr<Encoding> makeDdsEncoding();
 
 }  // namespace vekpix

@@ -26,14 +26,18 @@ ImageFormat formatOf(const std::string& path)
         return ImageFormat::Pam;
     if (extension == ".jpg" || extension == ".jpeg")
         return ImageFormat::Jpeg;
+    if (extension == ".j2k" || extension == ".j2c")
+        return ImageFormat::Jpeg2000;
+    if (extension == ".jp2")
+        return ImageFormat::Jp2;
     if (extension == ".dds")
         return ImageFormat::Dds;
     if (extension == ".pfm")
         return ImageFormat::Pfm;
-    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .pfm, .jpg, .dds)");
+    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .pfm, .jpg, .j2k, .jp2, .dds)");
 }
 
-const char* codedFileExtensions() { return ".jpg, .jpeg or .dds"; }
+const char* codedFileExtensions() { return ".jpg, .jpeg, .j2k, .j2c, .jp2 or .dds"; }
 
 namespace {
 
@@ -48,6 +52,8 @@ std::unique_ptr<RowReader> openAsStored(const std::string& path, SampleDepth dep
             return openPnm(path, depth);
         case ImageFormat::Pfm:
         case ImageFormat::Jpeg:
+        case ImageFormat::Jpeg2000:
+        case ImageFormat::Jp2:
         case ImageFormat::Dds:
             break;
     }
@@ -75,6 +81,8 @@ std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& sh
             return makePnmWriter(shape, PnmKind::Pam, sink);
         case ImageFormat::Pfm:
         case ImageFormat::Jpeg:
+        case ImageFormat::Jpeg2000:
+        case ImageFormat::Jp2:
         case ImageFormat::Dds:
             break;
     }

@@ -7,6 +7,7 @@
 
 #include "error.h"
 #include "jpeg2000/band_scale.h"
+#include "jpeg2000/block_style.h"
 #include "library_status.h"
 #include "vekj.h"
 
@@ -16,29 +17,15 @@ namespace {
 
 constexpr int blocksAtOnce = 16;
 constexpr int mostPlanes = 31;
-constexpr int keepMidpoints = 0x40000;
 
 struct FreeState {
     void operator()(VekDecodeCBProgrState_JPEG2K* state) const { vekiDecodeCBProgrFree_JPEG2K(state); }
 };
 
-// The style as the library has it.
-int libraryStyle(int style)
+int decoderStyle(int style)
 {
-    int result = keepMidpoints;
-    if ((style & styleCausal) != 0)
-        result |= 0x1;
-    if ((style & styleBypass) != 0)
-        result |= 0x2;
-    if ((style & styleTermAll) != 0)
-        result |= 0x4;
-    if ((style & styleReset) != 0)
-        result |= 0x8;
-    if ((style & styleSegmentationSymbols) != 0)
-        result |= 0x10;
-    if ((style & stylePredictableTermination) != 0)
-        result |= 0x100000;
-    return result;
+    const int ends = (style & stylePredictableTermination) != 0 ? libraryPredictableTermination : 0;
+    return libraryStyle(style) | libraryKeepMidpoints | ends;
 }
 
 // Whether damage of a block shows for certain. Raw segments are tested for an end that not all encoders give them.
@@ -109,7 +96,7 @@ public:
         const int planeCount = backgroundPlanes + component.regionShift - block.zeroPlanes;
         if (backgroundPlanes < extraPlanes || planeCount < extraPlanes || planeCount > mostPlanes)
             throw Error("a code-block has an impossible number of bit planes");
-        runPasses(place, block, component.style.blockStyle, static_cast<int>(band.orientation), planeCount, plane);
+        runPasses(place, block, component.style.blockStyle, band.orientation, planeCount, plane);
 
         const double step = component.style.reversible
                                 ? 1.0
@@ -129,14 +116,13 @@ public:
     }
 
 private:
-    void runPasses(const BlockPlace& place, const BlockData& block, int style, int subband, int planeCount,
+    void runPasses(const BlockPlace& place, const BlockData& block, int style, Orientation orientation, int planeCount,
                    const Plane& plane)
     {
         reserve(place);
-        const int step = static_cast<int>(plane.step * sizeof(int32_t));
-        expectOk(vekiDecodeCBProgrAttach_JPEG2K_32s_C1R(plane.at(place.x, place.y), step, {place.width, place.height},
-                                                        state_.get(), libraryOrientation(subband), planeCount,
-                                                        libraryStyle(style)),
+        expectOk(vekiDecodeCBProgrAttach_JPEG2K_32s_C1R(plane.at(place.x, place.y), plane.stepBytes(),
+                                                        {place.width, place.height}, state_.get(),
+                                                        libraryBand(orientation), planeCount, decoderStyle(style)),
                  "vekiDecodeCBProgrAttach");
         expectOk(vekiDecodeCBProgrSetPassCounter_JPEG2K(block.passes, state_.get()), "SetPassCounter");
         for (int chunk = block.firstChunk; chunk >= 0;) {
@@ -149,19 +135,6 @@ private:
             } else {
                 expectOk(status, "vekiDecodeCBProgrStep");
             }
-        }
-    }
-
-    // HL and HH have numbers of their own.
-    static int libraryOrientation(int orientation)
-    {
-        switch (static_cast<Orientation>(orientation)) {
-            case Orientation::HL:
-                return 2;
-            case Orientation::HH:
-                return 3;
-            default:
-                return 0;
         }
     }
 

@@ -6,6 +6,7 @@
 
 #include "error.h"
 #include "jpeg2000/band_scale.h"
+#include "jpeg2000/wavelets.h"
 #include "library_status.h"
 #include "vekj.h"
 
@@ -15,26 +16,12 @@ namespace {
 
 constexpr int rowsAtOnce = 64;
 
-VekRect libraryRect(const Rect& rect) { return {rect.x0, rect.y0, rect.width(), rect.height()}; }
-
 void inverseWavelet(const TileComponent& component, const CodingStyle& style, int droppedResolutions,
                     const Plane& plane)
 {
-    const int last = style.levels - droppedResolutions;
-    const auto query = style.reversible ? vekiWTGetBufSize_B53_JPEG2K_32s_C1IR : vekiWTGetBufSize_D97_JPEG2K_32s_C1IR;
-    const auto inverse = style.reversible ? vekiWTInv_B53_JPEG2K_32s_C1IR : vekiWTInv_D97_JPEG2K_32s_C1IR;
-    const VekRect largest = libraryRect(component.resolutions[static_cast<size_t>(last)].rect);
-    int bufferSize = 0;
-    expectOk(query(&largest, &bufferSize), "vekiWTGetBufSize");
-    std::vector<uint8_t> buffer(static_cast<size_t>(bufferSize) + 1);
-    for (int r = 1; r <= last; ++r) {
-        const Rect& rect = component.resolutions[static_cast<size_t>(r)].rect;
-        if (rect.empty())
-            continue;
-        const VekRect area = libraryRect(rect);
-        expectOk(inverse(plane.samples, static_cast<int>(plane.step * sizeof(int32_t)), &area, buffer.data()),
-                 "vekiWTInv");
-    }
+    Wavelet wavelet(style.reversible);
+    for (int r = 1; r <= style.levels - droppedResolutions; ++r)
+        wavelet.inverse(plane, component.resolutions[static_cast<size_t>(r)].rect);
 }
 
 float toFloat(int32_t fixed, float unit) { return static_cast<float>(fixed) * unit; }
@@ -95,9 +82,7 @@ void undoComponents(const TileLayout& layout, const PictureSize& size, const Til
         const int y0 = item * rowsAtOnce, y1 = std::min(rect.height(), y0 + rowsAtOnce);
         if (reversible) {
             int32_t* const rows[3] = {planes[0].at(0, y0), planes[1].at(0, y0), planes[2].at(0, y0)};
-            expectOk(vekiRCTInv_JPEG2K_32s_P3IR(rows, static_cast<int>(planes[0].step * sizeof(int32_t)),
-                                                {rect.width(), y1 - y0}),
-                     "vekiRCTInv");
+            expectOk(vekiRCTInv_JPEG2K_32s_P3IR(rows, planes[0].stepBytes(), {rect.width(), y1 - y0}), "vekiRCTInv");
             return;
         }
         IrreversibleRows converter(rect.width(), fraction, static_cast<int>(count), transform);

@@ -49,18 +49,10 @@ bool TagTree::readBelow(HeaderBitReader& bits, int cell, int threshold)
     return value(cell) < threshold;
 }
 
-void TagTree::setValues(const std::vector<int>& values)
+void TagTree::setValue(int cell, int value)
 {
-    for (size_t i = 0; i < nodes_.size(); ++i) {
-        nodes_[i].value = i < values.size() ? values[i] : INT_MAX;
-        nodes_[i].low = 0;
-        nodes_[i].told = false;
-    }
-    for (const Node& node : nodes_)
-        if (node.parent >= 0) {
-            int& minimum = nodes_[static_cast<size_t>(node.parent)].value;
-            minimum = std::min(minimum, node.value);
-        }
+    for (int node = cell; node >= 0; node = nodes_[static_cast<size_t>(node)].parent)
+        nodes_[static_cast<size_t>(node)].value = std::min(nodes_[static_cast<size_t>(node)].value, value);
 }
 
 void TagTree::writeBelow(HeaderBitWriter& bits, int cell, int threshold)

@@ -20,8 +20,8 @@ public:
     // The value of a cell that is known to be below a threshold.
     int value(int cell) const { return nodes_[static_cast<size_t>(cell)].value; }
 
-    // To write: gives the cells their values, row by row, and all else its minima. Nothing counts as told then.
-    void setValues(const std::vector<int>& values);
+    // To write: a cell that had none has a value now. It is no less than any threshold that has been written.
+    void setValue(int cell, int value);
     // Writes what a reader needs to know whether the value of a cell is below `threshold`.
     void writeBelow(HeaderBitWriter& bits, int cell, int threshold);
 
