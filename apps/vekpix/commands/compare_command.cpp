@@ -13,6 +13,7 @@
 #include "image/formats.h"
 #include "io/input_file.h"
 #include "jpeg/jpeg_rows.h"
+#include "tiff/tiff_rows.h"
 #include "vekcore.h"
 
 namespace vekpix {
@@ -55,6 +56,8 @@ struct Difference {
 
 std::unique_ptr<RowReader> openAny(const std::string& path, bool inks)
 {
+    if (formatOf(path) == ImageFormat::Tiff)
+        return tiff::openTiff(path);
     if (formatOf(path) != ImageFormat::Jpeg)
         return openPicture(path, SampleDepth::AsStored);
     jpeg::DecodeOptions options;
@@ -139,8 +142,8 @@ void addCompareCommand(CLI::App& app)
     auto arguments = std::make_shared<CompareArguments>();
     CLI::App* command =
         app.add_subcommand("compare", "Compares two pictures of the same size, at the smaller of their depths.");
-    command->add_option("first", arguments->first, "PNG, PPM, PGM, PAM or JPEG file")->required();
-    command->add_option("second", arguments->second, "PNG, PPM, PGM, PAM or JPEG file")->required();
+    command->add_option("first", arguments->first, "PNG, PPM, PGM, PAM, JPEG or TIFF file")->required();
+    command->add_option("second", arguments->second, "PNG, PPM, PGM, PAM, JPEG or TIFF file")->required();
     command->callback([arguments] { compare(*arguments); });
 }
 

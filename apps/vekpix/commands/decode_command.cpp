@@ -59,7 +59,7 @@ void addDecodeCommand(CLI::App& app)
     command
         ->add_option("input", request.input,
                      "JPEG file: sequential (8 or 12 bits), progressive (8) or lossless (8 to 16); JPEG 2000 file; "
-                     "DDS file of blocks")
+                     "DDS file of blocks; TIFF file of strips")
         ->required();
     command
         ->add_option("output", request.output,
@@ -71,6 +71,7 @@ void addDecodeCommand(CLI::App& app)
     decode->add(*command, makeJpegDecoding());
     decode->add(*command, makeJpeg2000Decoding());
     decode->add(*command, makeDdsDecoding());
+    decode->add(*command, makeTiffDecoding());
     command->callback([decode] { decode->run(); });
 }
 

@@ -37,6 +37,7 @@ public:
 std::unique_ptr<Decoding> makeJpegDecoding();
 std::unique_ptr<Decoding> makeJpeg2000Decoding();
 std::unique_ptr<Decoding> makeDdsDecoding();
+std::unique_ptr<Decoding> makeTiffDecoding();
 
 // Calls `read`; its Error also tells the file.
 template <class Read>

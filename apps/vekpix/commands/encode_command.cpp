@@ -63,6 +63,7 @@ void addEncodeCommand(CLI::App& app)
     encode->add(*command, lossless, makeJpegEncoding());
     encode->add(*command, lossless, makeJpeg2000Encoding());
     encode->add(*command, lossless, makeDdsEncoding());
+    encode->add(*command, lossless, makeTiffEncoding());
     command->callback([encode] { encode->run(); });
 }
 

@@ -33,6 +33,7 @@ public:
 std::unique_ptr<Encoding> makeJpegEncoding();
 std::unique_ptr<Encoding> makeJpeg2000Encoding();
 std::unique_ptr<Encoding> makeDdsEncoding();
+std::unique_ptr<Encoding> makeTiffEncoding();
 
 }  // namespace vekpix
 

@@ -10,6 +10,7 @@
 #include "image/formats.h"
 #include "io/input_file.h"
 #include "jpeg/describe.h"
+#include "tiff/describe.h"
 
 namespace vekpix {
 
@@ -46,13 +47,15 @@ void addInfoCommand(CLI::App& app)
 {
     auto path = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("info", "Tells what a picture file holds.");
-    command->add_option("file", *path, "JPEG, DDS, PNG, PPM, PGM or PAM file")->required();
+    command->add_option("file", *path, "JPEG, DDS, TIFF, PNG, PPM, PGM or PAM file")->required();
     command->callback([path] {
         const ImageFormat format = formatOf(*path);
         if (format == ImageFormat::Jpeg)
             describeCoded(*path, jpeg::describe);
         else if (format == ImageFormat::Dds)
             describeCoded(*path, dds::describe);
+        else if (format == ImageFormat::Tiff)
+            describeCoded(*path, tiff::describe);
         else
             describePicture(*path, format);
     });

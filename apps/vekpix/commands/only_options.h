@@ -15,7 +15,8 @@ inline void refuseOptions(const CLI::Option_group& group, const std::string& pat
 {
     for (const CLI::Option* option : group.get_options())
         if (option->count() > 0)
-            throw Error(path + ": " + option->get_name() + " is for " + group.get_name() + " files, not for " + format);
+            throw Error(path + ": " + option->get_name() + " is for " + group.get_group() + " files, not for " +
+                        format);
 }
 
 }  // namespace vekpix

@@ -34,10 +34,13 @@ ImageFormat formatOf(const std::string& path)
         return ImageFormat::Dds;
     if (extension == ".pfm")
         return ImageFormat::Pfm;
-    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .pfm, .jpg, .j2k, .jp2, .dds)");
+    if (extension == ".tif" || extension == ".tiff")
+        return ImageFormat::Tiff;
+    throw Error(path + ": the name tells no picture format (.png, .ppm, .pgm, .pam, .pfm, " + codedFileExtensions() +
+                ")");
 }
 
-const char* codedFileExtensions() { return ".jpg, .jpeg, .j2k, .j2c, .jp2 or .dds"; }
+const char* codedFileExtensions() { return ".jpg, .jpeg, .j2k, .j2c, .jp2, .dds, .tif or .tiff"; }
 
 namespace {
 
@@ -55,6 +58,7 @@ std::unique_ptr<RowReader> openAsStored(const std::string& path, SampleDepth dep
         case ImageFormat::Jpeg2000:
         case ImageFormat::Jp2:
         case ImageFormat::Dds:
+        case ImageFormat::Tiff:
             break;
     }
     throw Error(path + ": must be a PNG, PPM, PGM or PAM picture");
@@ -84,6 +88,7 @@ std::unique_ptr<RowWriter> makePictureWriter(ImageFormat format, const Shape& sh
         case ImageFormat::Jpeg2000:
         case ImageFormat::Jp2:
         case ImageFormat::Dds:
+        case ImageFormat::Tiff:
             break;
     }
     throw Error("the picture must become a PNG, PPM, PGM or PAM file");

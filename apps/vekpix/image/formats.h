@@ -10,14 +10,15 @@
 
 namespace vekpix {
 
-enum class ImageFormat { Png, Ppm, Pgm, Pam, Pfm, Jpeg, Dds, Jpeg2000, Jp2 };
+enum class ImageFormat { Png, Ppm, Pgm, Pam, Pfm, Jpeg, Dds, Jpeg2000, Jp2, Tiff };
 
 enum class SampleDepth {
     Eight,     // samples of more bits are rounded
     AsStored,  // as many bits as the file tells, at least 8
 };
 
-// By the extension (png, ppm, pgm, pam, pfm, jpg, jpeg, j2k, j2c, jp2, dds; upper case too). An Error for any other name.
+// By the extension (png, ppm, pgm, pam, pfm, jpg, jpeg, j2k, j2c, jp2, dds, tif, tiff; upper case too). An Error for
+// any other name.
 ImageFormat formatOf(const std::string& path);
 
 // What names of coded pictures end with, for messages.

@@ -60,14 +60,32 @@ OutputFile::~OutputFile()
 
 void OutputFile::write(std::span<const uint8_t> bytes)
 {
-    if (pending_.size() + bytes.size() > pendingBytes) {
-        writeThrough(pending_);
-        pending_.clear();
-    }
+    if (pending_.size() + bytes.size() > pendingBytes)
+        writePending();
     if (bytes.size() > pendingBytes)
         writeThrough(bytes);
     else
         pending_.insert(pending_.end(), bytes.begin(), bytes.end());
+}
+
+void OutputFile::change(uint64_t place, std::span<const uint8_t> bytes)
+{
+    writePending();
+    while (!bytes.empty()) {
+        const ssize_t count = ::pwrite(file_, bytes.data(), bytes.size(), static_cast<off_t>(place));
+        if (count < 0 && errno != EINTR)
+            failTo("write", path_);
+        if (count > 0) {
+            bytes = bytes.subspan(static_cast<size_t>(count));
+            place += static_cast<uint64_t>(count);
+        }
+    }
+}
+
+void OutputFile::writePending()
+{
+    writeThrough(pending_);
+    pending_.clear();
 }
 
 void OutputFile::writeThrough(std::span<const uint8_t> bytes)
@@ -83,8 +101,7 @@ void OutputFile::writeThrough(std::span<const uint8_t> bytes)
 
 void OutputFile::commit()
 {
-    writeThrough(pending_);
-    pending_.clear();
+    writePending();
     const int file = std::exchange(file_, -1);
     const bool closed = ::close(file) == 0;
     if (closed && (temporary_.empty() || std::rename(temporary_.c_str(), path_.c_str()) == 0))

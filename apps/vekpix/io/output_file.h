@@ -10,7 +10,7 @@ namespace vekpix {
 
 // Writes beside `path` and moves the file there in commit(); without commit() nothing is left behind, and what was at
 // `path` stays. A `path` that is no regular file (a pipe, a device) is written to directly.
-class OutputFile : public ByteSink {
+class OutputFile : public ChangeableSink {
 public:
     explicit OutputFile(std::string path);
     ~OutputFile() override;
@@ -18,9 +18,12 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     void write(std::span<const uint8_t> bytes) override;
+    // An Error for a pipe or the like.
+    void change(uint64_t place, std::span<const uint8_t> bytes) override;
     void commit();
 
 private:
+    void writePending();
     void writeThrough(std::span<const uint8_t> bytes);
 
     std::string path_;
