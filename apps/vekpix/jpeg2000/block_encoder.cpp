@@ -1,7 +1,9 @@
 #include "jpeg2000/block_encoder.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <numeric>
 #include <stdexcept>
 
 #include "jpeg2000/block_style.h"
@@ -28,16 +30,21 @@ void toMagnitudes(int32_t* row, int width)
 float toMagnitudes(int32_t* row, int width, float scale, int fraction)
 {
     const auto unit = static_cast<float>(1 << fraction);
-    float error = 0;
-    for (int x = 0; x < width; ++x) {
+    constexpr int lanes = 8;
+    std::array<float, lanes> errors{};
+    const auto convert = [&](int x, float& error) {
         const float exact = std::abs(static_cast<float>(row[x])) * scale;
         const auto magnitude = static_cast<int32_t>(exact);
         const int32_t coded = magnitude >> fraction;
         const float decoded = coded == 0 ? 0.0F : (static_cast<float>(coded) + 0.5F) * unit;
         error += (exact - decoded) * (exact - decoded);
         row[x] = (row[x] & INT32_MIN) | magnitude;
-    }
-    return error;
+    };
+    int x = 0;
+    for (; x + lanes <= width; x += lanes)
+        for (int lane = 0; lane < lanes; ++lane) convert(x + lane, errors[static_cast<size_t>(lane)]);
+    for (; x < width; ++x) convert(x, errors[0]);
+    return std::accumulate(errors.begin(), errors.end(), 0.0F);
 }
 
 // The upper convex hull of bytes and distortion.

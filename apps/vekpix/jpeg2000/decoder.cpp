@@ -111,13 +111,12 @@ private:
     void keepLastRows()
     {
         rowsAbove_.resize(planeCount_);
-        const int32_t* samples = samples_.data();
-        for (size_t c = 0; c < planeRects_.size(); ++c) {
-            const auto width = static_cast<std::ptrdiff_t>(planeRects_[c].width());
-            const std::ptrdiff_t height = planeRects_[c].height();
-            if (height > 0 && codestream_.size().components[c].dy > 1)
-                rowsAbove_[c].assign(samples + (height - 1) * width, samples + height * width);
-            samples += height * width;
+        for (size_t c = 0; c < planes_.size(); ++c) {
+            const Rect& rect = planeRects_[c];
+            if (!rect.empty() && codestream_.size().components[c].dy > 1) {
+                const int32_t* const row = planes_[c].at(0, rect.height() - 1);
+                rowsAbove_[c].assign(row, row + rect.width());
+            }
         }
     }
 
@@ -129,7 +128,7 @@ private:
         int64_t samples = 0;
         for (size_t c = 0; c < planeCount_; ++c) {
             planeRects_.push_back(componentRect(area, size.components[c], wanted_.droppedResolutions));
-            samples += int64_t{planeRects_[c].width()} * planeRects_[c].height();
+            samples += planeSamples(planeRects_[c]);
         }
         int64_t bytes = 0;
         for (int column = 0; column < size.tilesWide(); ++column)
@@ -138,18 +137,25 @@ private:
         if (samples > samplesAnyway + samplesPerByte * bytes)
             throw Error("the picture is too large for the data that the file holds");
         samples_.resize(static_cast<size_t>(samples));
+        planes_.clear();
+        int32_t* next = samples_.data();
+        for (const Rect& rect : planeRects_) {
+            planes_.push_back({next, planeStep(static_cast<size_t>(rect.width()))});
+            next += planeSamples(rect);
+        }
     }
 
-    std::vector<Plane> tilePlanes(const TileArea& area)
+    static int64_t planeSamples(const Rect& rect)
     {
-        std::vector<Plane> planes;
-        int32_t* samples = samples_.data();
+        return static_cast<int64_t>(planeStep(static_cast<size_t>(rect.width()))) * rect.height();
+    }
+
+    std::vector<Plane> tilePlanes(const TileArea& area) const
+    {
+        std::vector<Plane> planes = planes_;
         for (size_t c = 0; c < planeCount_; ++c) {
-            const Rect& whole = planeRects_[c];
             const Rect tile = componentRect(area, codestream_.size().components[c], wanted_.droppedResolutions);
-            const Plane plane = {samples, static_cast<size_t>(whole.width())};
-            planes.push_back({plane.at(tile.x0 - whole.x0, tile.y0 - whole.y0), plane.step});
-            samples += static_cast<size_t>(whole.width()) * static_cast<size_t>(whole.height());
+            planes[c].samples = planes[c].at(tile.x0 - planeRects_[c].x0, tile.y0 - planeRects_[c].y0);
         }
         return planes;
     }
@@ -181,11 +187,8 @@ private:
             return {rowsAbove_[component].data(), rect.x0, rect.width(), &size};
         if (rect.empty())
             return {nullptr, rect.x0, 0, &size};
-        const int32_t* samples = samples_.data();
-        for (size_t c = 0; c < component; ++c)
-            samples += static_cast<size_t>(planeRects_[c].width()) * static_cast<size_t>(planeRects_[c].height());
         const int row = std::clamp(wanted, rect.y0, rect.y1 - 1) - rect.y0;
-        return {samples + static_cast<size_t>(row) * static_cast<size_t>(rect.width()), rect.x0, rect.width(), &size};
+        return {planes_[component].at(0, row), rect.x0, rect.width(), &size};
     }
 
     Jp2File file_;
@@ -202,6 +205,7 @@ private:
     int nextRow_ = 0;
     std::vector<Rect> planeRects_;
     std::vector<int32_t> samples_;
+    std::vector<Plane> planes_;                    // of samples_
     std::vector<std::vector<int32_t>> rowsAbove_;  // of each component, the last row of the tiles before
 };
 

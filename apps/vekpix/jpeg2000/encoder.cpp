@@ -134,12 +134,12 @@ private:
     void encodeTileRow(int row)
     {
         const TileArea first = tileArea(size_, row * size_.tilesWide());
-        const auto width = static_cast<size_t>(picture_.width());
+        const size_t step = planeStep(static_cast<size_t>(picture_.width()));
         const size_t height = static_cast<size_t>(first.y1 - first.y0);
-        samples_.resize(width * height * size_.components.size());
+        samples_.resize(step * height * size_.components.size());
         std::vector<Plane> planes;
         for (size_t c = 0; c < size_.components.size(); ++c)
-            planes.push_back({samples_.data() + c * width * height, width});
+            planes.push_back({samples_.data() + c * step * height, step});
         readRows(static_cast<int>(height), planes);
         for (int column = 0; column < size_.tilesWide(); ++column) {
             const int tile = row * size_.tilesWide() + column;

@@ -29,7 +29,7 @@ float toFloat(int32_t fixed, float unit) { return static_cast<float>(fixed) * un
 int32_t rounded(float value)
 {
     constexpr float largest = 1 << 30;
-    return static_cast<int32_t>(std::nearbyint(std::clamp(value, -largest, largest)));
+    return static_cast<int32_t>(std::nearbyint(std::min(std::max(value, -largest), largest)));
 }
 
 // Samples with bits behind the point become integers, row by row; three components pass through the ICT on the way.

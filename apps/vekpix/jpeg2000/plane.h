@@ -16,6 +16,14 @@ struct Plane {
     int stepBytes() const { return static_cast<int>(step * sizeof(int32_t)); }
 };
 
+// A step for rows of so many samples: lines of the cache apart, and an odd number of them, so that the samples of a
+// column do not fall all into the same few sets of the cache.
+inline size_t planeStep(size_t width)
+{
+    constexpr size_t lineSamples = 16;
+    return ((width + lineSamples - 1) / lineSamples | 1) * lineSamples;
+}
+
 }  // namespace vekpix::jpeg2000
 
 #endif
