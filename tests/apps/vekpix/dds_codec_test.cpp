@@ -155,7 +155,7 @@ TEST(DdsCodec, ABc7BlockHasTheFirstModeWithTheSmallestReportedError)
 
 TEST(DdsCodec, MoreEffortGivesBetterPictures)
 {
-    const int side = support::underSanitizer ? 16 : 64;
+    const int side = support::underSanitizer ? 32 : 64;
     const Raster picture = drawLights(side, side, 3);
     double last = 0;
     for (const int effort : {1, 2, 3}) {

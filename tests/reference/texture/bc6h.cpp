@@ -87,7 +87,53 @@ int64_t unquantiseSigned(int64_t x, int bits)
     return x < 0 ? -v : v;
 }
 
+struct Fields {
+    int64_t of[3][4] = {};  // of each channel: the base, and endpoints or differences
+    int partition = 0;
+};
+
+// With signs where the mode has them.
+Fields readFields(BlockReader& bits, int mode, bool isSigned)
+{
+    Fields fields;
+    for (const char* p = bitsOfMode[mode]; *p != 0; p += 3) {
+        const int bit = bits.take(1);
+        const int number = p[2] <= '9' ? p[2] - '0' : p[2] - 'A' + 10;
+        if (p[0] == 'P')
+            fields.partition |= bit << number;
+        else if (p[0] != 'm')
+            fields.of[p[0] == 'R' ? 0 : p[0] == 'G' ? 1 : 2][p[1] - '0'] |= int64_t{bit} << number;
+    }
+    for (int c = 0; c < 3; ++c) {
+        int64_t* const e = fields.of[c];
+        if (isSigned)
+            e[0] = signExtend(e[0], baseBits[mode]);
+        for (int i = 1; i < 4; ++i)
+            if (isSigned || isTransformed(mode))
+                e[i] = signExtend(e[i], otherBits[mode][c]);
+    }
+    return fields;
+}
+
 }  // namespace
+
+bool bc6hNeedsNoWrapping(const uint8_t* block, bool isSigned)
+{
+    const int mode = modeOf(block[0]);
+    if (mode >= 14)
+        return true;
+    BlockReader bits(block);
+    const Fields fields = readFields(bits, mode, isSigned);
+    const int64_t lowest = -(int64_t{1} << (baseBits[mode] - 1));
+    const int64_t largest = (int64_t{1} << (baseBits[mode] - (isSigned ? 1 : 0))) - 1;
+    for (const int64_t(&e)[4] : fields.of)
+        for (int i = 0; i < (mode < 10 ? 4 : 2); ++i) {
+            const int64_t end = i > 0 && isTransformed(mode) ? e[0] + e[i] : e[i];
+            if (isTransformed(mode) ? end < 0 || end > largest : isSigned && end == lowest)
+                return false;
+        }
+    return true;
+}
 
 Bc6hBlock decodeBc6h(const uint8_t* block, bool isSigned)
 {
@@ -97,31 +143,16 @@ Bc6hBlock decodeBc6h(const uint8_t* block, bool isSigned)
         return pixels;
     const int subsets = mode < 10 ? 2 : 1;
     BlockReader bits(block);
-    int64_t fields[3][4] = {};
-    int partition = 0;
-    for (const char* p = bitsOfMode[mode]; *p != 0; p += 3) {
-        const int bit = bits.take(1);
-        const int number = p[2] <= '9' ? p[2] - '0' : p[2] - 'A' + 10;
-        if (p[0] == 'P')
-            partition |= bit << number;
-        else if (p[0] != 'm')
-            fields[p[0] == 'R' ? 0 : p[0] == 'G' ? 1 : 2][p[1] - '0'] |= int64_t{bit} << number;
-    }
-    for (int c = 0; c < 3; ++c) {
-        int64_t* const e = fields[c];
-        if (isSigned)
-            e[0] = signExtend(e[0], baseBits[mode]);
-        for (int i = 1; i < 4; ++i) {
-            if (isSigned || isTransformed(mode))
-                e[i] = signExtend(e[i], otherBits[mode][c]);
+    auto [fields, partition] = readFields(bits, mode, isSigned);
+    for (int64_t(&e)[4] : fields) {
+        for (int i = 1; i < 4; ++i)
             if (isTransformed(mode)) {
                 const int64_t s = e[0] + e[i];
                 e[i] =
                     s < 0 ? s | ~((int64_t{1} << (baseBits[mode] + 1)) - 1) : s & ((int64_t{1} << baseBits[mode]) - 1);
             }
-        }
-        for (int i = 0; i < 4; ++i)
-            e[i] = isSigned ? unquantiseSigned(e[i], baseBits[mode]) : unquantiseUnsigned(e[i], baseBits[mode]);
+        for (int64_t& end : e)
+            end = isSigned ? unquantiseSigned(end, baseBits[mode]) : unquantiseUnsigned(end, baseBits[mode]);
     }
     const int indexBits = subsets == 2 ? 3 : 4;
     for (int i = 0; i < 16; ++i) {
