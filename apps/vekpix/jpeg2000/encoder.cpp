@@ -18,6 +18,7 @@ namespace {
 
 constexpr int mostFractionPlanes = 6;
 constexpr int mostPlanes = 31;
+constexpr int guardBits = 3;  // one more than usual: chrominance of the RCT has a bit more
 constexpr int rowsAtOnce = 64;
 
 double targetError(const EncodeOptions& options, int bits)
@@ -45,8 +46,10 @@ StepSize stepFor(double step, Orientation orientation, int bits)
     StepSize result;
     result.exponent = bits + gainLog(orientation) - (exponent - 1);
     result.mantissa = std::min(2047, static_cast<int>(std::lround((mantissa - 1) * 2048)));
-    if (result.exponent < 0 || result.exponent > 31)
-        throw Error("the steps would be too fine for the format: fewer levels or a lower quality are needed");
+    // Samples of the deepest levels are few, but must not have more planes than code-blocks can.
+    constexpr int finest = mostPlanes - guardBits;
+    if (result.exponent > finest)
+        result = {finest, 0};
     return result;
 }
 
@@ -96,7 +99,7 @@ private:
         style.precinctWidthLog.fill(15);
         style.precinctHeightLog.fill(15);
         Quantization& quantization = component.quantization;
-        quantization.guardBits = 3;  // one more than usual: chrominance of the RCT has a bit more
+        quantization.guardBits = guardBits;
         quantization.kind = reversible_ ? StepSizes::None : StepSizes::Expounded;
         quantization.steps[0] = bandStep(Orientation::LL, style.levels);
         for (int r = 1; r <= style.levels; ++r)

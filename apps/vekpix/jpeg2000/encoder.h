@@ -14,7 +14,7 @@ namespace vekpix::jpeg2000 {
 struct EncodeOptions {
     // With neither of these the picture is coded without loss.
     std::optional<double> bitsPerPixel;  // of the whole file
-    std::optional<double> psnr;          // decibels, over all samples
+    std::optional<double> psnr;          // decibels, over all samples; met nearly: it is an estimate
 
     int levels = 5;        // 0 .. 32
     int blockSizeLog = 6;  // 2 .. 6: of the code-blocks' sides

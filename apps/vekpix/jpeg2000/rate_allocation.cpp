@@ -25,7 +25,7 @@ int passesAbove(const CodedBlock& block, double slope)
 class Allocation {
 public:
     Allocation(const std::vector<CodedTile>& tiles, const TileParameters& parameters)
-        : tiles_(tiles), parameters_(parameters), layers_(tiles.size())
+        : tiles_(tiles), layers_(tiles.size())
     {
         for (const CodedTile& tile : tiles) {
             writers_.emplace_back(tile.layout, parameters, tile.blocks);
@@ -109,7 +109,6 @@ private:
     }
 
     const std::vector<CodedTile>& tiles_;
-    const TileParameters& parameters_;
     SlopeSearch search_;
     std::vector<PacketWriter> writers_;  // behind the layers so far
     std::vector<std::vector<LayerPasses>> layers_;

@@ -59,6 +59,16 @@ protected:
         return vekpix::readPicture(*reader);
     }
 
+    Raster grokDecodes(std::span<const uint8_t> file, const std::string& name = "b.j2k") const
+    {
+        save(name, file);
+        std::filesystem::remove(path("g.pnm"));
+        const Outcome outcome = run({"grk_decompress", "-i", path(name), "-o", path("g.pnm")});
+        EXPECT_EQ(0, outcome.status) << outcome.errors << outcome.output;
+        const auto reader = vekpix::openPnm(path("g.pnm"), vekpix::SampleDepth::AsStored);
+        return vekpix::readPicture(*reader);
+    }
+
     // What a peer makes of raw planes, component after component.
     std::vector<uint8_t> openJpegFromRaw(const std::vector<uint8_t>& planes, const std::string& form,
                                          const Options& options) const
