@@ -66,13 +66,14 @@ public:
     // False when `visit` has had enough.
     bool range(std::vector<Place>& all, const ProgressionRange& range)
     {
+        const int end = std::min(layers_, range.endLayer);
         std::vector<Place*> places;
         for (Place& place : all)
-            if (place.component >= range.firstComponent && place.component < range.endComponent &&
-                place.resolution >= range.firstResolution && place.resolution < range.endResolution)
+            if (place.nextLayer < end && place.component >= range.firstComponent &&
+                place.component < range.endComponent && place.resolution >= range.firstResolution &&
+                place.resolution < range.endResolution)
                 places.push_back(&place);
         sortPlaces(places, range.order);
-        const int end = std::min(layers_, range.endLayer);
         if (range.order == Progression::Lrcp)
             return layersAround(places.begin(), places.end(), end);
         if (range.order != Progression::Rlcp) {

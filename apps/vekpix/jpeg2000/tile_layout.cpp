@@ -34,8 +34,14 @@ int clampToInt(int64_t v) { return static_cast<int>(std::clamp<int64_t>(v, INT32
 class ComponentLayout {
 public:
     ComponentLayout(TileLayout& tile, int component, const CodingStyle& style, const ComponentSize& size,
-                    const TileArea& area, int64_t maxBlocks)
-        : tile_(tile), component_(component), style_(style), size_(size), area_(area), maxBlocks_(maxBlocks)
+                    const TileArea& area, int64_t maxBlocks, int64_t& precincts)
+        : tile_(tile),
+          component_(component),
+          style_(style),
+          size_(size),
+          area_(area),
+          maxBlocks_(maxBlocks),
+          precincts_(precincts)
     {
     }
 
@@ -142,7 +148,7 @@ private:
     const ComponentSize& size_;
     const TileArea& area_;
     int64_t maxBlocks_;
-    int64_t precincts_ = 0;
+    int64_t& precincts_;  // of all components so far
 };
 
 }  // namespace
@@ -168,9 +174,10 @@ TileLayout layOutTile(const PictureSize& size, const TileParameters& parameters,
 {
     TileLayout layout;
     const TileArea area = tileArea(size, tile);
+    int64_t precincts = 0;
     for (size_t c = 0; c < size.components.size(); ++c) {
         ComponentLayout component(layout, static_cast<int>(c), parameters.components[c].style, size.components[c], area,
-                                  maxBlocks);
+                                  maxBlocks, precincts);
         layout.components.push_back(component.layOut());
     }
     return layout;
