@@ -14,6 +14,7 @@ namespace {
 
 constexpr int64_t largestCoordinate = 1 << 30;
 constexpr int64_t mostTiles = 65535;
+constexpr int64_t mostTileComponents = int64_t{1} << 22;
 constexpr size_t mostChanges = 512;
 
 // Of two markers that set the same the higher counts.
@@ -53,9 +54,6 @@ public:
             case markerPoc:
                 poc(fields);
                 break;
-            case markerPpm:
-            case markerPpt:
-                throw Error("packed packet headers are not supported");
             case markerCap:
                 throw Error("the code-stream is of a later part of the standard");
             default:  // comments, lengths and the like
@@ -74,7 +72,10 @@ private:
         parameters_.layers = static_cast<int>(fields.u16());
         if (parameters_.layers == 0)
             throw Error("the code-stream has no layers");
-        parameters_.componentTransform = fields.u8() != 0;
+        const uint32_t componentTransform = fields.u8();
+        if (componentTransform > 1)
+            throw Error("unknown component transform");
+        parameters_.componentTransform = componentTransform == 1;
         parameters_.packetMarkers = (flags & 2) != 0;
         parameters_.headerMarkers = (flags & 4) != 0;
         const CodingStyle style = codingStyle(fields, (flags & 1) != 0);
@@ -96,7 +97,10 @@ private:
         style.blockWidthLog = static_cast<int>(fields.u8()) + 2;
         style.blockHeightLog = static_cast<int>(fields.u8()) + 2;
         style.blockStyle = static_cast<int>(fields.u8());
-        style.reversible = fields.u8() == 1;
+        const uint32_t transform = fields.u8();
+        if (transform > 1)
+            throw Error("unknown wavelet transform");
+        style.reversible = transform == 1;
         if (style.levels > maxLevels)
             throw Error("too many decomposition levels");
         if (style.blockWidthLog > 10 || style.blockHeightLog > 10 || style.blockWidthLog + style.blockHeightLog > 12)
@@ -219,7 +223,6 @@ private:
     bool hasOwnChanges_ = false;
 };
 
-// A component can be told how many planes its blocks may have only if there is a step for each band.
 void checkComponents(const TileParameters& parameters)
 {
     for (const ComponentParameters& component : parameters.components)
@@ -248,7 +251,9 @@ PictureSize readSize(Fields fields)
         size.tileX0 > size.x0 || size.tileY0 > size.y0 || size.tileX0 + size.tileWidth <= size.x0 ||
         size.tileY0 + size.tileHeight <= size.y0)
         throw Error("impossible sizes of picture and tiles");
-    if (ceilDiv(size.x1 - size.tileX0, size.tileWidth) * ceilDiv(size.y1 - size.tileY0, size.tileHeight) > mostTiles)
+    const int64_t tiles =
+        ceilDiv(size.x1 - size.tileX0, size.tileWidth) * ceilDiv(size.y1 - size.tileY0, size.tileHeight);
+    if (tiles > mostTiles || tiles * count > mostTileComponents)
         throw Error("too many tiles");
     for (uint32_t c = 0; c < count; ++c) {
         const uint32_t depth = fields.u8();
@@ -263,6 +268,37 @@ PictureSize readSize(Fields fields)
     }
     return size;
 }
+
+void append(std::vector<uint8_t>& bytes, std::span<const uint8_t> more)
+{
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+// The contents of marker segments with packet headers, which number themselves.
+class PackedHeaders {
+public:
+    void add(Fields fields)
+    {
+        const uint32_t number = fields.u8();
+        segments_.push_back({number, fields.rest()});
+    }
+    bool empty() const { return segments_.empty(); }
+    std::vector<uint8_t> joined()
+    {
+        std::stable_sort(segments_.begin(), segments_.end(),
+                         [](const Segment& a, const Segment& b) { return a.number < b.number; });
+        std::vector<uint8_t> bytes;
+        for (const Segment& segment : segments_) append(bytes, segment.bytes);
+        return bytes;
+    }
+
+private:
+    struct Segment {
+        uint32_t number;
+        std::span<const uint8_t> bytes;
+    };
+    std::vector<Segment> segments_;
+};
 
 // Calls visit(marker, fields) for marker segments up to one of `end` or the last byte; returns the bytes from there on.
 template <class Visit>
@@ -298,11 +334,19 @@ Codestream::Codestream(std::span<const uint8_t> bytes)
     quantizationRanks_.assign(size_.components.size(), rankNone);
     tiles_.resize(static_cast<size_t>(size_.tileCount()));
     HeaderParser parser(size_, parameters_, styleRanks_, quantizationRanks_, false);
-    auto rest = forEachSegment(start.rest(), {markerSot, markerEoc},
-                               [&](uint16_t marker, Fields fields) { parser.segment(marker, fields); });
+    PackedHeaders packed;
+    auto rest = forEachSegment(start.rest(), {markerSot, markerEoc}, [&](uint16_t marker, Fields fields) {
+        if (marker == markerPpm)
+            packed.add(fields);
+        else
+            parser.segment(marker, fields);
+    });
     for (size_t c = 0; c < size_.components.size(); ++c)
         if (styleRanks_[c] == rankNone || quantizationRanks_[c] == rankNone)
             throw Error("the code-stream tells no coding style");
+    const bool allPacked = !packed.empty();
+    const std::vector<uint8_t> packedBytes = packed.joined();
+    Fields packedLeft(packedBytes);
 
     while (rest.size() >= 2 && rest[0] == 0xFF && rest[1] == (markerSot & 0xFF)) {
         Fields fields(rest);
@@ -311,7 +355,8 @@ Codestream::Codestream(std::span<const uint8_t> bytes)
             throw Error("a tile-part has an impossible header");
         const uint32_t tile = fields.u16();
         uint64_t length = fields.u32();
-        fields.u16();  // the tile-part's number, and how many there are
+        fields.u8();  // the tile-part's number
+        const uint32_t partCount = fields.u8();
         if (tile >= tiles_.size())
             throw Error("a tile-part belongs to no tile");
         if (length == 0) {  // up to the end
@@ -325,11 +370,24 @@ Codestream::Codestream(std::span<const uint8_t> bytes)
         if (length < startLength + 2)
             throw Error("a tile-part is too short");
         const auto part = rest.first(length).subspan(startLength);
-        const auto data = forEachSegment(part, {markerSod}, [](uint16_t, const Fields&) {});
+        PackedHeaders partPacked;
+        const auto data = forEachSegment(part, {markerSod}, [&](uint16_t marker, const Fields& segment) {
+            if (marker == markerPpt)
+                partPacked.add(segment);
+        });
         tiles_[tile].headers.push_back(part.first(part.size() - data.size() + 2));
-        tiles_[tile].data.push_back(data.subspan(2));
+        TilePackets& packets = tiles_[tile].packets;
+        packets.parts.push_back(data.subspan(2));
+        packets.headersApart |= allPacked || !partPacked.empty();
+        if (allPacked)
+            append(packets.headers, packedLeft.bytes(packedLeft.u32()));
+        append(packets.headers, partPacked.joined());
+        tiles_[tile].toldParts = std::max<size_t>(tiles_[tile].toldParts, partCount);
         rest = rest.subspan(length);
     }
+    for (const TileParts& tile : tiles_)
+        if (tile.packets.parts.size() < tile.toldParts)
+            throw Error("the file ends early");
 }
 
 TileParameters Codestream::tileParameters(int tile) const

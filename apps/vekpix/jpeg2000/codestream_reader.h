@@ -10,6 +10,13 @@
 
 namespace vekpix::jpeg2000 {
 
+// A tile's packets: in its tile-parts, or their bodies there and their headers apart.
+struct TilePackets {
+    std::vector<std::span<const uint8_t>> parts;
+    std::vector<uint8_t> headers;
+    bool headersApart = false;
+};
+
 class Codestream {
 public:
     // Everything that is wrong with the headers, those of tiles apart, is an Error. The bytes must outlive the object.
@@ -20,15 +27,14 @@ public:
     const TileParameters& parameters() const { return parameters_; }
     // Those of a tile: the main header's, as the tile's own headers change them.
     TileParameters tileParameters(int tile) const;
-    const std::vector<std::span<const uint8_t>>& tileData(int tile) const
-    {
-        return tiles_[static_cast<size_t>(tile)].data;
-    }
+    // Without any part if the tile is missing.
+    const TilePackets& tilePackets(int tile) const { return tiles_[static_cast<size_t>(tile)].packets; }
 
 private:
     struct TileParts {
         std::vector<std::span<const uint8_t>> headers;
-        std::vector<std::span<const uint8_t>> data;
+        TilePackets packets;
+        size_t toldParts = 0;  // 0: not told
     };
 
     PictureSize size_;

@@ -18,22 +18,35 @@ constexpr int bandHeight = 64;
 constexpr int mostBits = 16;
 
 // Whatever its data are, a tile may have this many samples; and so many more for each byte of data.
-constexpr int64_t samplesAnyway = int64_t{1} << 24;
-constexpr int64_t samplesPerByte = int64_t{1} << 18;
+constexpr int64_t samplesAnyway = int64_t{1} << 27;
+constexpr int64_t samplesPerByte = int64_t{1} << 12;
 constexpr int64_t blocksAnyway = int64_t{1} << 20;
 constexpr int64_t blocksPerByte = 1 << 10;
 
-// The components that are the picture's colours, in order.
-std::vector<int> colourComponents(const Jp2File& file, const PictureSize& size)
+// Where the picture's colours come from, in order.
+std::vector<ChannelSource> colourSources(const Jp2File& file, const PictureSize& size)
 {
-    const auto count = static_cast<int>(size.components.size());
-    const int colours = count >= 3 && file.colourSpace != ColourSpace::Grey ? 3 : 1;
-    std::vector<int> components;
-    for (int c = 0; c < colours; ++c) components.push_back(c);
+    std::vector<ChannelSource> channels = file.sources;
+    const auto components = static_cast<int>(size.components.size());
+    if (channels.empty())
+        for (int c = 0; c < components; ++c) channels.push_back({c, -1});
+    for (const ChannelSource& channel : channels)
+        if (channel.component >= components)
+            throw Error("a channel names a component that is not there");
+    const size_t colours = channels.size() >= 3 && file.colourSpace != ColourSpace::Grey ? 3 : 1;
+    std::vector<ChannelSource> sources(channels.begin(), channels.begin() + static_cast<std::ptrdiff_t>(colours));
     for (const ChannelUse& use : file.channels)
-        if (use.isColour && use.colour >= 1 && use.colour <= colours && use.channel < count)
-            components[static_cast<size_t>(use.colour - 1)] = use.channel;
-    return components;
+        if (use.isColour && use.colour >= 1 && use.colour <= static_cast<int>(colours) &&
+            use.channel < static_cast<int>(channels.size()))
+            sources[static_cast<size_t>(use.colour - 1)] = channels[static_cast<size_t>(use.channel)];
+    return sources;
+}
+
+int64_t bytesOf(const TilePackets& packets)
+{
+    auto bytes = static_cast<int64_t>(packets.headers.size());
+    for (const auto& part : packets.parts) bytes += static_cast<int64_t>(part.size());
+    return bytes;
 }
 
 }  // namespace
@@ -44,7 +57,7 @@ public:
         : file_(readJp2(bytes)),
           codestream_(file_.codestream),
           wanted_{options.layers, options.droppedResolutions},
-          colours_(colourComponents(file_, codestream_.size())),
+          colours_(colourSources(file_, codestream_.size())),
           crew_(options.threads)
     {
         const PictureSize& size = codestream_.size();
@@ -52,11 +65,18 @@ public:
         const TileArea whole = {size.x0, size.y0, size.x1, size.y1};
         const Rect rect = componentRect(whole, {8, false, 1, 1}, wanted_.droppedResolutions);
         int bits = 8;
-        for (const int c : colours_) bits = std::max(bits, size.components[static_cast<size_t>(c)].bits);
+        int last = 0;
+        for (const ChannelSource& source : colours_) {
+            bits = std::max(bits, source.column >= 0 ? file_.palette->bits[static_cast<size_t>(source.column)]
+                                                     : size.components[static_cast<size_t>(source.component)].bits);
+            last = std::max(last, source.component);
+        }
+        if (rect.empty())
+            throw Error("so many resolutions less leave nothing of the picture");
         shape_ = {rect.width(), rect.height(), static_cast<int>(colours_.size()), bits};
         top_ = rect.y0;
         left_ = rect.x0;
-        const int needed = 1 + *std::max_element(colours_.begin(), colours_.end());
+        const int needed = last + 1;
         const bool mayTransform = size.components.size() >= 3;
         planeCount_ = static_cast<size_t>(std::max(needed, mayTransform ? 3 : 1));
     }
@@ -73,8 +93,7 @@ public:
         PixelRows converter(shape_, file_.colourSpace == ColourSpace::Sycc);
         crew_.run(rows, [&](int row) {
             std::array<SampleRow, 3> sources{};
-            for (size_t c = 0; c < colours_.size(); ++c)
-                sources[c] = sourceRow(static_cast<size_t>(colours_[c]), top_ + nextRow_ + row);
+            for (size_t c = 0; c < colours_.size(); ++c) sources[c] = sourceRow(colours_[c], top_ + nextRow_ + row);
             converter.convert(sources, pixels + step * static_cast<size_t>(row), left_);
         });
         nextRow_ += rows;
@@ -85,10 +104,12 @@ private:
     void checkSize(const PictureSize& size) const
     {
         constexpr int64_t mostPixels = int64_t{1} << 31;
-        if ((size.x1 - size.x0) * (size.y1 - size.y0) > mostPixels)
+        constexpr int64_t longestSide = int64_t{1} << 26;
+        const int64_t width = size.x1 - size.x0, height = size.y1 - size.y0;
+        if (width > longestSide || height > longestSide || width * height > mostPixels)
             throw Error("the picture is too large");
-        for (const int c : colours_) {
-            const ComponentSize& component = size.components[static_cast<size_t>(c)];
+        for (const ChannelSource& source : colours_) {
+            const ComponentSize& component = size.components[static_cast<size_t>(source.component)];
             if (component.bits > mostBits)
                 throw Error("samples of more than 16 bits are not supported");
         }
@@ -132,8 +153,7 @@ private:
         }
         int64_t bytes = 0;
         for (int column = 0; column < size.tilesWide(); ++column)
-            for (const auto& part : codestream_.tileData(tileRow_ * size.tilesWide() + column))
-                bytes += static_cast<int64_t>(part.size());
+            bytes += bytesOf(codestream_.tilePackets(tileRow_ * size.tilesWide() + column));
         if (samples > samplesAnyway + samplesPerByte * bytes)
             throw Error("the picture is too large for the data that the file holds");
         samples_.resize(static_cast<size_t>(samples));
@@ -163,38 +183,48 @@ private:
     void decodeTile(int tile)
     {
         const PictureSize& size = codestream_.size();
+        const TilePackets& packets = codestream_.tilePackets(tile);
+        if (packets.parts.empty())
+            throw Error("a tile of the picture is missing");
         const TileParameters parameters = codestream_.tileParameters(tile);
         for (size_t c = 0; c < planeCount_; ++c)
             if (parameters.components[c].style.levels < wanted_.droppedResolutions)
                 throw Error("the picture does not have as many resolutions to leave out");
-        const auto& parts = codestream_.tileData(tile);
-        int64_t bytes = 0;
-        for (const auto& part : parts) bytes += static_cast<int64_t>(part.size());
-        const TileLayout layout = layOutTile(size, parameters, tile, blocksAnyway + blocksPerByte * bytes);
-        const TileData data = readPackets(layout, parameters, parts, wanted_);
+        const int64_t mostBlocks = blocksAnyway + blocksPerByte * bytesOf(packets);
+        const TileLayout layout = layOutTile(size, parameters, tile, mostBlocks);
+        const TileData data = readPackets(layout, parameters, packets, wanted_);
         const std::vector<Plane> planes = tilePlanes(tileArea(size, tile));
         decodeBlocks(layout, size, parameters, data, wanted_, planes, crew_);
         inverseTransform(layout, size, parameters, wanted_, planes, crew_);
     }
 
-    // Of a component, the row of samples for a row of pixels.
-    SampleRow sourceRow(size_t component, int y)
+    // The row of samples for a row of pixels.
+    SampleRow sourceRow(const ChannelSource& source, int y)
+    {
+        SampleRow row = componentRow(static_cast<size_t>(source.component), y);
+        if (source.column >= 0) {
+            row.palette = &*file_.palette;
+            row.column = source.column;
+        }
+        return row;
+    }
+    SampleRow componentRow(size_t component, int y)
     {
         const ComponentSize& size = codestream_.size().components[component];
         const Rect& rect = planeRects_[component];
         const int wanted = y / size.dy;
         if (wanted < rect.y0 && !rowsAbove_[component].empty())
-            return {rowsAbove_[component].data(), rect.x0, rect.width(), &size};
+            return {rowsAbove_[component].data(), rect.x0, rect.width(), &size, nullptr, 0};
         if (rect.empty())
-            return {nullptr, rect.x0, 0, &size};
+            return {nullptr, rect.x0, 0, &size, nullptr, 0};
         const int row = std::clamp(wanted, rect.y0, rect.y1 - 1) - rect.y0;
-        return {planes_[component].at(0, row), rect.x0, rect.width(), &size};
+        return {planes_[component].at(0, row), rect.x0, rect.width(), &size, nullptr, 0};
     }
 
     Jp2File file_;
     Codestream codestream_;
     Wanted wanted_;
-    std::vector<int> colours_;
+    std::vector<ChannelSource> colours_;
     Crew crew_;
     Shape shape_;
     int top_ = 0;

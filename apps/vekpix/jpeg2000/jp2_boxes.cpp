@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "error.h"
 #include "jpeg2000/big_endian.h"
@@ -78,6 +79,46 @@ void readChannels(Fields fields, Jp2File& file)
     }
 }
 
+// Values with a sign are moved up to begin at 0.
+void readPalette(Fields fields, Jp2File& file)
+{
+    const uint32_t entries = fields.u16();
+    const uint32_t columns = fields.u8();
+    if (entries == 0 || entries > 1024 || columns == 0)
+        throw Error("impossible size of a palette");
+    Palette palette;
+    std::vector<bool> isSigned;
+    for (uint32_t c = 0; c < columns; ++c) {
+        const uint32_t depth = fields.u8();
+        isSigned.push_back((depth & 0x80) != 0);
+        palette.bits.push_back(static_cast<int>(depth & 0x7F) + 1);
+        if (palette.bits.back() > 16)
+            throw Error("palettes of more than 16 bits are not supported");
+    }
+    for (uint32_t i = 0; i < entries; ++i)
+        for (uint32_t c = 0; c < columns; ++c) {
+            const int bits = palette.bits[c];
+            uint32_t value = bits > 8 ? fields.u16() : fields.u8();
+            if (isSigned[c])
+                value ^= uint32_t{1} << (bits - 1);
+            palette.values.push_back(static_cast<int32_t>(value & ((uint32_t{1} << bits) - 1)));
+        }
+    file.palette = std::move(palette);
+}
+
+void readSources(Fields fields, Jp2File& file)
+{
+    while (fields.left() > 0) {
+        ChannelSource source;
+        source.component = static_cast<int>(fields.u16());
+        const bool usesPalette = fields.u8() == 1;
+        const auto column = static_cast<int>(fields.u8());
+        if (usesPalette)
+            source.column = column;
+        file.sources.push_back(source);
+    }
+}
+
 void readHeaderBoxes(std::span<const uint8_t> bytes, Jp2File& file)
 {
     bool hasColours = false;
@@ -89,9 +130,16 @@ void readHeaderBoxes(std::span<const uint8_t> bytes, Jp2File& file)
         } else if (box.type == boxType("cdef")) {
             readChannels(Fields(box.contents), file);
         } else if (box.type == boxType("pclr")) {
-            throw Error("JP2 files with palettes are not supported");
+            readPalette(Fields(box.contents), file);
+        } else if (box.type == boxType("cmap")) {
+            readSources(Fields(box.contents), file);
         }
     }
+    if (file.palette.has_value() == file.sources.empty())
+        throw Error("a palette and the channels that it serves do not come together");
+    for (const ChannelSource& source : file.sources)
+        if (source.column >= static_cast<int>(file.palette->bits.size()))
+            throw Error("a channel names a column of the palette that is not there");
 }
 
 void putBox(std::vector<uint8_t>& out, const char (&name)[5], const std::vector<uint8_t>& contents)

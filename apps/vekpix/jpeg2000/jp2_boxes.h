@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "jpeg2000/palette.h"
 #include "jpeg2000/parameters.h"
 
 namespace vekpix::jpeg2000 {
@@ -24,6 +25,8 @@ struct Jp2File {
     std::span<const uint8_t> codestream;
     ColourSpace colourSpace = ColourSpace::Unknown;
     std::vector<ChannelUse> channels;
+    std::optional<Palette> palette;
+    std::vector<ChannelSource> sources;  // of the channels, if there is a palette
 };
 
 bool isJp2(std::span<const uint8_t> file);

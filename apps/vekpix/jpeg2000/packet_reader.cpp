@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "jpeg2000/markers.h"
 #include "jpeg2000/packet_code.h"
 
 namespace vekpix::jpeg2000 {
@@ -23,9 +24,9 @@ struct PrecinctTrees {
 
 class PacketReader {
 public:
-    PacketReader(const TileLayout& layout, const TileParameters& parameters,
-                 const std::vector<std::span<const uint8_t>>& tileParts, const Wanted& wanted)
-        : layout_(layout), parameters_(parameters), tileParts_(tileParts), wanted_(wanted)
+    PacketReader(const TileLayout& layout, const TileParameters& parameters, const TilePackets& packets,
+                 const Wanted& wanted)
+        : layout_(layout), parameters_(parameters), packets_(packets), wanted_(wanted), headers_(packets.headers)
     {
         data_.blocks.resize(layout.blocks.size());
         for (const TileComponent& component : layout.components) {
@@ -52,15 +53,14 @@ private:
 
     bool readPacket(const Packet& packet)
     {
-        while (rest_.empty()) {
-            if (nextPart_ == tileParts_.size())
-                return false;
-            rest_ = tileParts_[nextPart_++];
-        }
-        skipMarker(0x91, 6);
+        while (rest_.empty() && nextPart_ < packets_.parts.size()) rest_ = packets_.parts[nextPart_++];
+        std::span<const uint8_t>& headers = packets_.headersApart ? headers_ : rest_;
+        if (headers.empty())
+            return false;
+        skipMarker(rest_, markerSop, 6);
         shares_.clear();
-        readHeader(packet);
-        skipMarker(0x92, 2);
+        readHeader(packet, headers);
+        skipMarker(headers, markerEph, 2);
         const bool isWanted = packet.layer < wanted_.layers && packet.resolution < resolutionsWanted(packet.component);
         for (const Share& share : shares_) take(share, isWanted);
         return true;
@@ -73,15 +73,15 @@ private:
     }
 
     // Markers may stand here only if the headers say so, but no packet can be mistaken for one.
-    void skipMarker(uint8_t code, size_t length)
+    static void skipMarker(std::span<const uint8_t>& bytes, Marker marker, size_t length)
     {
-        if (rest_.size() >= length && rest_[0] == 0xFF && rest_[1] == code)
-            rest_ = rest_.subspan(length);
+        if (bytes.size() >= length && bytes[0] == 0xFF && bytes[1] == (marker & 0xFF))
+            bytes = bytes.subspan(length);
     }
 
-    void readHeader(const Packet& packet)
+    void readHeader(const Packet& packet, std::span<const uint8_t>& bytes)
     {
-        HeaderBitReader bits(rest_);
+        HeaderBitReader bits(bytes);
         const auto c = static_cast<size_t>(packet.component);
         const auto r = static_cast<size_t>(packet.resolution);
         const auto k = static_cast<size_t>(packet.precinct);
@@ -95,7 +95,7 @@ private:
                     readBlock(bits, trees.bands[b], i, band.firstBlock + i, packet.layer, style);
             }
         }
-        rest_ = rest_.subspan(bits.finish());
+        bytes = bytes.subspan(bits.finish());
     }
 
     PrecinctTrees& treesOf(size_t c, size_t r, size_t k, const Resolution& resolution)
@@ -161,21 +161,22 @@ private:
 
     const TileLayout& layout_;
     const TileParameters& parameters_;
-    const std::vector<std::span<const uint8_t>>& tileParts_;
+    const TilePackets& packets_;
     const Wanted& wanted_;
     TileData data_;
     std::vector<std::vector<std::vector<std::unique_ptr<PrecinctTrees>>>> trees_;  // component, resolution, precinct
-    std::span<const uint8_t> rest_;
+    std::span<const uint8_t> rest_;                                                // of a tile-part
+    std::span<const uint8_t> headers_;                                             // where they are apart
     size_t nextPart_ = 0;
     std::vector<Share> shares_;
 };
 
 }  // namespace
 
-TileData readPackets(const TileLayout& layout, const TileParameters& parameters,
-                     const std::vector<std::span<const uint8_t>>& tileParts, const Wanted& wanted)
+TileData readPackets(const TileLayout& layout, const TileParameters& parameters, const TilePackets& packets,
+                     const Wanted& wanted)
 {
-    return PacketReader(layout, parameters, tileParts, wanted).readAll();
+    return PacketReader(layout, parameters, packets, wanted).readAll();
 }
 
 }  // namespace vekpix::jpeg2000

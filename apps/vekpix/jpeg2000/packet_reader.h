@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "jpeg2000/codestream_reader.h"
 #include "jpeg2000/progression.h"
 #include "jpeg2000/tag_tree.h"
 
@@ -41,8 +42,8 @@ struct Wanted {
 };
 
 // An Error for packets that cannot be. Those that are missing at the end are not missed.
-TileData readPackets(const TileLayout& layout, const TileParameters& parameters,
-                     const std::vector<std::span<const uint8_t>>& tileParts, const Wanted& wanted);
+TileData readPackets(const TileLayout& layout, const TileParameters& parameters, const TilePackets& packets,
+                     const Wanted& wanted);
 
 }  // namespace vekpix::jpeg2000
 

@@ -24,9 +24,13 @@ void levelRow(const SampleRow& row, int left, int width, int bits, int32_t* valu
             values[x] = std::clamp(row.samples[at], -offset, largest - offset) + offset;
         }
     }
-    if (size.bits < bits) {
+    if (row.palette != nullptr)
+        for (int x = 0; x < width; ++x) values[x] = row.palette->value(values[x], row.column);
+    const int ownBits = row.palette != nullptr ? row.palette->bits[static_cast<size_t>(row.column)] : size.bits;
+    if (ownBits < bits) {
         const int64_t wide = (int64_t{1} << bits) - 1;
-        for (int x = 0; x < width; ++x) values[x] = static_cast<int32_t>((values[x] * wide + largest / 2) / largest);
+        const int64_t own = (int64_t{1} << ownBits) - 1;
+        for (int x = 0; x < width; ++x) values[x] = static_cast<int32_t>((values[x] * wide + own / 2) / own);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "image/rows.h"
+#include "jpeg2000/palette.h"
 #include "jpeg2000/parameters.h"
 
 namespace vekpix::jpeg2000 {
@@ -17,6 +18,8 @@ struct SampleRow {
     int first = 0;
     int count = 0;
     const ComponentSize* size = nullptr;
+    const Palette* palette = nullptr;
+    int column = 0;  // of the palette, if there is one
 };
 
 class PixelRows {
