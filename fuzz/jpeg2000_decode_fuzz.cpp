@@ -1,0 +1,70 @@
+// JPEG 2000 files of any bytes: whole, reduced and with fewer layers they end in a picture or in an Error, soon. One
+// thread and several give the same outcome.
+#include <string>
+#include <vector>
+
+#include "error.h"
+#include "input.h"
+#include "jpeg2000/codestream_reader.h"
+#include "jpeg2000/decoder.h"
+#include "jpeg2000/jp2_boxes.h"
+
+namespace {
+
+constexpr size_t longestFile = 1 << 13;
+// A file of a few bytes may well hold a large picture, of one value.
+constexpr int64_t mostSamples = int64_t{1} << 17;
+
+struct Outcome {
+    bool failed = false;
+    uint64_t hash = 14695981039346656037u;
+
+    void add(const uint8_t* bytes, size_t count)
+    {
+        for (size_t i = 0; i < count; ++i) hash = (hash ^ bytes[i]) * 1099511628211u;
+    }
+};
+
+bool isSmall(std::span<const uint8_t> file)
+{
+    try {
+        const vekpix::jpeg2000::Codestream codestream(vekpix::jpeg2000::readJp2(file).codestream);
+        const vekpix::jpeg2000::PictureSize& size = codestream.size();
+        const int64_t width = size.x1 - size.x0, height = size.y1 - size.y0;
+        return width * height <= mostSamples / static_cast<int64_t>(size.components.size());
+    } catch (const vekpix::Error&) {
+        return true;
+    }
+}
+
+Outcome decode(std::span<const uint8_t> file, const vekpix::jpeg2000::DecodeOptions& options)
+{
+    Outcome outcome;
+    try {
+        vekpix::jpeg2000::Decoder decoder(file, options);
+        const size_t step = decoder.shape().rowBytes();
+        std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
+        while (const int rows = decoder.readBand(band.data(), step))
+            outcome.add(band.data(), static_cast<size_t>(rows) * step);
+    } catch (const vekpix::Error&) {
+        outcome.failed = true;
+    }
+    return outcome;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size == 0 || size > longestFile)
+        return 0;
+    const std::vector<uint8_t> file(data, data + size);  // its end is the end of its memory
+    if (!isSmall(file))
+        return 0;
+    const int choice = data[size - 1];
+    const Outcome whole = decode(file, {});
+    const Outcome shared = decode(file, {.threads = 2});
+    fuzz::require(whole.failed == shared.failed && (whole.failed || whole.hash == shared.hash));
+    decode(file, {.droppedResolutions = 1 + choice % 4, .layers = 1 + choice % 3});
+    return 0;
+}
