@@ -1,18 +1,13 @@
-// PackBits (TIFF 6.0, section 9). A control byte n from 0 to 127 stands before n + 1 literal bytes, one from -127 to -1
-// before a byte that is repeated 1 - n times; -128 stands alone.
 #include <algorithm>
 #include <bit>
 #include <cstring>
 
 #include "frame/checks.h"
 #include "frame/implementations.h"
-#include "frame/vec.h"
+#include "tiff/packets.h"
 
 namespace q3 {
 namespace {
-
-constexpr int longestPacket = 128;  // bytes that it stands for
-constexpr int vectorBytes = 32;
 
 // How many bytes from p on, of at most `limit`, equal the first. `readable` bytes lie there.
 int runLength(const uint8_t* p, int limit, int readable)
@@ -44,36 +39,71 @@ int literalLength(const uint8_t* p, int limit, int readable)
     return std::min(i, limit);
 }
 
-// Stores `count` bytes, 1 to 128, and not one more: in pieces that overlap, each by store(its type, offset).
-template <class Store>
-void storePieces(int count, const Store& store)
+// Where among 64 bytes and one more two equal ones begin.
+uint64_t pairsOf(const uint8_t* p)
 {
-    if (count >= vectorBytes) {
-        for (int i = 0; i < count - vectorBytes; i += vectorBytes) store(__m256i{}, i);
-        store(__m256i{}, count - vectorBytes);
-    } else if (count >= 16) {
-        store(__m128i{}, 0);
-        store(__m128i{}, count - 16);
-    } else if (count >= 8) {
-        store(uint64_t{}, 0);
-        store(uint64_t{}, count - 8);
-    } else if (count >= 4) {
-        store(uint32_t{}, 0);
-        store(uint32_t{}, count - 4);
-    } else {
-        for (int i = 0; i < count; ++i) store(uint8_t{}, i);
+    const auto half = [p](int i) {
+        return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(loadU(p + i), loadU(p + i + 1))));
+    };
+    return half(0) | uint64_t{half(vectorBytes)} << vectorBytes;
+}
+
+// Packs while every packet is sure to fit and vectors can be read. The pairs of equal bytes that begin among the next
+// 64 tell where packets end, and short ones take no branch: a run, too, begins with its bytes as they are.
+Progress packFast(const uint8_t* pSrc, int srcLenBytes, uint8_t* pDst, int dstLenBytes)
+{
+    constexpr int window = 64;
+    static_assert(2 * window <= longestPacket && 2 * (1 + window) <= behindStage);  // 64 bytes become 65 at most
+    uint8_t stage[stageBytes + behindStage];
+    const int readLimit = srcLenBytes - longestPacket - vectorBytes;
+    Progress at{0, 0};
+    while (at.read <= readLimit && at.written < dstLenBytes - longestPacket) {
+        const int stageLimit = std::min(stageBytes, dstLenBytes - at.written - longestPacket);
+        const uint8_t* p = pSrc + at.read;
+        const uint8_t* const pEnd = pSrc + readLimit;
+        int filled = 0;
+        while (p <= pEnd && filled < stageLimit) {
+            uint64_t pairs = pairsOf(p);
+            int known = window;
+            for (;;) {
+                const uint64_t isRun = pairs & 1;
+                const uint64_t threes = pairs & pairs >> 1;
+                const uint64_t ends = threes ^ ((threes ^ ~pairs) & (0 - isRun));  // before a run's last byte
+                const int end = std::countr_zero(ends);
+                if (end >= known)
+                    break;
+                uint8_t* const out = stage + filled;
+                storeU(out + 1, loadU(p));
+                storeU(out + 1 + vectorBytes, loadU(p + vectorBytes));
+                const int run = static_cast<int>(isRun);
+                const int more = end + run - 1;  // than one byte
+                *out = static_cast<uint8_t>((more ^ -run) + run);
+                filled += 2 + (more & (run - 1));
+                p += more + 1;
+                pairs = pairs >> end >> run;
+                known -= more + 1;
+            }
+            if (known < window)
+                continue;
+            int count = 0;
+            if (p[0] == p[1]) {
+                count = std::min(window + 1 + std::countr_one(pairsOf(p + window)), longestPacket);
+                stage[filled] = static_cast<uint8_t>(1 - count);
+                stage[filled + 1] = *p;
+                filled += 2;
+            } else {
+                count = literalLength(p, longestPacket, static_cast<int>(pSrc + srcLenBytes - p));
+                stage[filled] = static_cast<uint8_t>(count - 1);
+                copyBytes(p, stage + filled + 1, count);
+                filled += 1 + count;
+            }
+            p += count;
+        }
+        copyLong(stage, pDst + at.written, filled);
+        at.written += filled;
+        at.read = static_cast<int>(p - pSrc);
     }
-}
-
-void copyBytes(const uint8_t* pSrc, uint8_t* pDst, int count)
-{
-    storePieces(count, [&](auto piece, int i) { storeScalar(pDst + i, loadScalar<decltype(piece)>(pSrc + i)); });
-}
-
-void fillBytes(uint8_t value, uint8_t* pDst, int count)
-{
-    const __m256i all = _mm256_set1_epi8(static_cast<char>(value));
-    storePieces(count, [&](auto piece, int i) { std::memcpy(pDst + i, &all, sizeof piece); });
+    return at;
 }
 
 }  // namespace
@@ -87,8 +117,11 @@ VekStatus vekiPackBitsRow_TIFF_8u_C1(const uint8_t* pSrc, int srcLenBytes, uint8
     VEK_CHECK_LENGTH(srcLenBytes);
     VEK_CHECK_LENGTH(dstLenBytes);
     uint8_t* out = pDst + *pDstCurrPos;
-    int room = dstLenBytes;
-    for (int i = 0; i < srcLenBytes;) {
+    const Progress fast = packFast(pSrc, srcLenBytes, out, dstLenBytes);
+    *pDstCurrPos += fast.written;
+    out += fast.written;
+    int room = dstLenBytes - fast.written;
+    for (int i = fast.read; i < srcLenBytes;) {
         const uint8_t* const p = pSrc + i;
         const int left = srcLenBytes - i;
         const int limit = std::min(left, longestPacket);
@@ -113,43 +146,6 @@ VekStatus vekiPackBitsRow_TIFF_8u_C1(const uint8_t* pSrc, int srcLenBytes, uint8
             return vekStsTiffRowFormat;
     }
     return vekStsOk;
-}
-
-VekStatus vekiUnpackBitsRow_TIFF_8u_C1(const uint8_t* pSrc, int* pSrcCurrPos, int srcLenBytes, uint8_t* pDst,
-                                       int dstLenBytes)
-{
-    VEK_CHECK_POINTER(pSrc);
-    VEK_CHECK_POINTER(pSrcCurrPos);
-    VEK_CHECK_POINTER(pDst);
-    VEK_CHECK_LENGTH(srcLenBytes);
-    VEK_CHECK_LENGTH(dstLenBytes);
-    int i = *pSrcCurrPos;
-    int stored = 0;
-    VekStatus status = vekStsTiffRowFormat;
-    while (i < srcLenBytes) {
-        const auto control = static_cast<int8_t>(pSrc[i++]);
-        const int room = dstLenBytes - stored;
-        if (control >= 0) {
-            const int count = control + 1;
-            if (count > srcLenBytes - i || count > room)
-                break;
-            copyBytes(pSrc + i, pDst + stored, count);
-            i += count;
-            stored += count;
-        } else if (control != -128) {
-            const int count = 1 - control;
-            if (count > room)
-                break;
-            fillBytes(pSrc[i++], pDst + stored, count);  // the byte may lie right behind the source
-            stored += count;
-        }
-        if (stored == dstLenBytes) {
-            status = vekStsOk;
-            break;
-        }
-    }
-    *pSrcCurrPos = i;
-    return status;
 }
 
 }  // namespace q3

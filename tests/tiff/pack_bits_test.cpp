@@ -89,6 +89,17 @@ TEST(PackBits, RandomRowsInEveryRoom)
     }
 }
 
+TEST(PackBits, LongRowsInAmpleAndScarceRoom)
+{
+    Random random(11);
+    for (int i = 0; i < 200; ++i) {
+        const Bytes row = randomRow(random, random.in(1000, 9000));
+        const int size = static_cast<int>(row.size());
+        for (const int room : {2 * size, size + size / 128, random.in(1, size), random.in(1, size)})
+            expectPacked(row, room, random.in(0, 3));
+    }
+}
+
 TEST(PackBits, PairAtTheBeginningIsARunAndInsideALiteralIsNot)
 {
     const auto packets = [](const Bytes& row) {
@@ -161,6 +172,36 @@ TEST(PackBits, UnpacksNoise)
         for (uint8_t& byte : packed)
             byte = static_cast<uint8_t>(random.chance(60) ? random.in(-6, 6) : random.in(-128, 127));
         expectUnpacked(packed, random.in(0, static_cast<int>(packed.size())), random.in(1, 300));
+    }
+}
+
+// A row as a packer of another mind may write it: packets of every length, without need, some of them empty.
+Bytes wilfulPackets(Random& random, int length)
+{
+    Bytes packed;
+    const int longOnes = random.in(0, 100);
+    for (int stored = 0; stored < length;) {
+        const int n = std::min(random.chance(longOnes) ? random.in(1, 128) : random.in(1, 8), length - stored);
+        if (random.chance(3))
+            packed.insert(packed.end(), static_cast<size_t>(random.in(1, 3)), 0x80);
+        const bool isRun = n > 1 && random.chance(50);
+        packed.push_back(static_cast<uint8_t>(isRun ? 1 - n : n - 1));
+        for (int i = 0; i < (isRun ? 1 : n); ++i) packed.push_back(random.any<uint8_t>());
+        stored += n;
+    }
+    return packed;
+}
+
+TEST(PackBits, UnpacksLongRowsWholeAndCut)
+{
+    Random random(12);
+    for (int i = 0; i < 300; ++i) {
+        const int length = random.in(300, 9000);
+        const Bytes packed = wilfulPackets(random, length);
+        expectUnpacked(packed, 0, length);
+        expectUnpacked(packed, 0, random.in(1, length + 200));
+        const auto cut = static_cast<ptrdiff_t>(random.in(1, static_cast<int>(packed.size())));
+        expectUnpacked({packed.begin(), packed.begin() + cut}, random.in(0, static_cast<int>(cut)), length);
     }
 }
 
