@@ -1,5 +1,5 @@
 // Textures of 1024 x 1024 pixels, in one thread: shades, edges and noise. Peers are squish, with its range fit, and for
-// BC7 a plain decoder, bit by bit.
+// BC7 a plain decoder, bit by bit, and a plain search, pixel by pixel.
 #include <benchmark/benchmark.h>
 #include <squish.h>
 
@@ -8,7 +8,9 @@
 #include <random>
 #include <vector>
 
+#include "reference/texture/bc7_encoder.h"
 #include "reference/texture/bptc.h"
+#include "texture/bc7_svd.h"
 #include "vekj.h"
 
 namespace {
@@ -141,21 +143,44 @@ void BM_peer_bc7_bit_by_bit(benchmark::State& state)
 }
 BENCHMARK(BM_peer_bc7_bit_by_bit);
 
-// One block, in the mode that the argument tells.
-void BM_vekiTextureEncodeBlock4x4FromRGBA_BC7_8u_C4C1R(benchmark::State& state)
+// Blocks from all over the picture, in the mode that the argument tells.
+constexpr size_t encodedBlocks = 16;
+
+// Calls encode(first pixel) for each.
+template <class Encode>
+void encodeBc7(benchmark::State& state, const Encode& encode)
 {
     const std::vector<uint8_t> pixels = drawnPixels(4);
-    uint8_t block[16];
-    int error = 0, i = 0;
-    for (auto _ : state) {
-        const int at = i++ % blocks;
-        vekiTextureEncodeBlock4x4FromRGBA_BC7_8u_C4C1R(
-            pixels.data() + static_cast<size_t>(at / (side / 4) * 16 * side + at % (side / 4) * 16), side * 4, block,
-            &error, static_cast<int>(state.range(0)));
-        benchmark::DoNotOptimize(error);
-    }
+    for (auto _ : state)
+        for (size_t i = 0; i < encodedBlocks; ++i) {
+            const size_t x = i * 7 % (side / 4) * 16, y = i * (side / 4 / encodedBlocks);
+            benchmark::DoNotOptimize(encode(pixels.data() + y * 16 * side + x));
+        }
+    state.SetItemsProcessed(state.iterations() * int64_t{encodedBlocks} * 16);
+}
+
+void BM_vekiTextureEncodeBlock4x4FromRGBA_BC7_8u_C4C1R(benchmark::State& state)
+{
+    encodeBc7(state, [&](const uint8_t* first) {
+        uint8_t block[16];
+        int error = 0;
+        vekiTextureEncodeBlock4x4FromRGBA_BC7_8u_C4C1R(first, side * 4, block, &error,
+                                                       static_cast<int>(state.range(0)));
+        return error;
+    });
 }
 BENCHMARK(BM_vekiTextureEncodeBlock4x4FromRGBA_BC7_8u_C4C1R)->ArgName("mode")->DenseRange(0, 7);
+
+// The model of the tests, with the library's decomposition.
+void BM_peer_bc7_search_pixel_by_pixel(benchmark::State& state)
+{
+    encodeBc7(state, [&](const uint8_t* first) {
+        uint8_t pixels[64];
+        for (size_t y = 0; y < 4; ++y) std::memcpy(pixels + 16 * y, first + 4 * side * y, 16);
+        return model::encodeBc7(pixels, static_cast<int>(state.range(0)), q3::svd_32f).error;
+    });
+}
+BENCHMARK(BM_peer_bc7_search_pixel_by_pixel)->ArgName("mode")->DenseRange(0, 7);
 
 template <auto function, int channels, int blockBytes>
 void BM_encode(benchmark::State& state)

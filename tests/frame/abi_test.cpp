@@ -9,6 +9,7 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <type_traits>
 
 #include "frame/c_view.h"
 #include "support/elf_file.h"
@@ -99,6 +100,22 @@ TEST(AbiOfTypes, VersionRecord)
     EXPECT_EQ(24u, offsetof(VekLibVersion, libraryName));
     EXPECT_EQ(32u, offsetof(VekLibVersion, versionText));
     EXPECT_EQ(40u, offsetof(VekLibVersion, buildDateText));
+}
+
+TEST(AbiOfTypes, RectanglesAreFourNumbersOf32Bits)
+{
+    const CView view = cView();
+    EXPECT_EQ(16u, sizeof(VekRect));
+    EXPECT_EQ(16u, view.sizeofVekRect);
+    const size_t offsets[] = {offsetof(VekRect, x), offsetof(VekRect, y), offsetof(VekRect, width),
+                              offsetof(VekRect, height)};
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(4 * i, offsets[i]);
+        EXPECT_EQ(4 * i, view.offsetsInVekRect[i]);
+    }
+    static_assert(std::is_same_v<decltype(VekRect::x), int32_t> && std::is_same_v<decltype(VekRect::y), int32_t> &&
+                  std::is_same_v<decltype(VekRect::width), int32_t> &&
+                  std::is_same_v<decltype(VekRect::height), int32_t>);
 }
 
 TEST(AbiOfTypes, AreTheSameInC99)

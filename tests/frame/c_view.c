@@ -7,6 +7,8 @@ CView cView(void)
         sizeof(VekSize),
         offsetof(VekSize, width),
         offsetof(VekSize, height),
+        sizeof(VekRect),
+        {offsetof(VekRect, x), offsetof(VekRect, y), offsetof(VekRect, width), offsetof(VekRect, height)},
         sizeof(VekLibVersion),
         offsetof(VekLibVersion, versionMinor),
         offsetof(VekLibVersion, tierTag),

@@ -15,6 +15,8 @@ typedef struct CView {
     size_t sizeofVekSize;
     size_t offsetofWidth;
     size_t offsetofHeight;
+    size_t sizeofVekRect;
+    size_t offsetsInVekRect[4];
     size_t sizeofVekLibVersion;
     size_t offsetofVersionMinor;
     size_t offsetofTierTag;
