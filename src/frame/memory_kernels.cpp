@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/checks.h"
+#include "frame/past_cache.h"
 #include "frame/vec.h"
 #include "vekcore.h"
 
@@ -90,15 +91,6 @@ void owniCopy8u_E9(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep,
     for (int y = 0; y < height; ++y) ownsCopy_8u_AVX(rowAt(pSrc, srcStep, y), rowAt(pDst, dstStep, y), rowBytes);
 }
 
-void streamRow(const uint8_t* pSrc, uint8_t* pDst, int64_t len)
-{
-    const int64_t head = static_cast<int64_t>(-reinterpret_cast<uintptr_t>(pDst) & 31);
-    std::memcpy(pDst, pSrc, static_cast<size_t>(head));
-    int64_t i = head;
-    for (; i <= len - 32; i += 32) _mm256_stream_si256(reinterpret_cast<__m256i*>(pDst + i), loadU(pSrc + i));
-    std::memcpy(pDst + i, pSrc + i, static_cast<size_t>(len - i));
-}
-
 void owniCopy8u_cn(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep, int64_t rowBytes, int height)
 {
     const int64_t total = rowBytes * height;
@@ -106,7 +98,7 @@ void owniCopy8u_cn(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep,
         owniCopy8u_E9(pSrc, srcStep, pDst, dstStep, rowBytes, height);
         return;
     }
-    for (int y = 0; y < height; ++y) streamRow(rowAt(pSrc, srcStep, y), rowAt(pDst, dstStep, y), rowBytes);
+    for (int y = 0; y < height; ++y) copyPastCache(rowAt(pDst, dstStep, y), rowAt(pSrc, srcStep, y), rowBytes);
     _mm_sfence();
 }
 

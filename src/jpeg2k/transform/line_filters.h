@@ -12,14 +12,16 @@ namespace q3 {
 template <typename T>
 struct LineFilter53 {
     using Sample = T;
-    static constexpr int reach = 1;
+    static constexpr int reach = 1, pauses = 2;
 
     // To low(k) and high(k) in the places of even(k) and odd(k), for k from k0 - 1 (high only) to k1; wants even(k) for
     // k from k0 - reach to k1 + reach and odd(k) up to k1 + reach - 1.
     void forward(Piece<T>& piece, int k0, int k1) const
     {
         const int count = k1 - k0 + 1;
+        piece.pause();
         liftPiece(piece.odd(k0 - 1), piece.even(k0 - 1), piece.even(k0), count + 1, Lifting53<T>::detail);
+        piece.pause();
         liftPiece(piece.even(k0), piece.odd(k0 - 1), piece.odd(k0), count, Lifting53<T>::smooth);
     }
     // To even(k) for k from k0 to k1 + 1 and odd(k) up to k1, in the places of low(k) and high(k); wants low(k) for k
@@ -27,7 +29,9 @@ struct LineFilter53 {
     void inverse(Piece<T>& piece, int k0, int k1) const
     {
         const int count = k1 - k0 + 1;
+        piece.pause();
         liftPiece(piece.even(k0), piece.odd(k0 - 1), piece.odd(k0), count + 1, Lifting53<T>::undoSmooth);
+        piece.pause();
         liftPiece(piece.odd(k0), piece.even(k0), piece.even(k0 + 1), count, Lifting53<T>::undoDetail);
     }
 };
@@ -42,18 +46,22 @@ struct NoEnds {};
 template <typename T, typename Stages, typename EndStages = NoEnds>
 struct LineFilter97 {
     using Sample = T;
-    static constexpr int reach = 2;
+    static constexpr int reach = 2, pauses = 4;
     int pairs = 0;
 
     void forward(Piece<T>& piece, int k0, int k1) const
     {
         const int w = pairs;
+        piece.pause();
         lift(piece.odd(k0 - 2), piece.even(k0 - 2), piece.even(k0 - 1), {k0 - 2, k1 + 1}, {2, w - 1},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::forward1(v, l, r); });
+        piece.pause();
         lift(piece.even(k0 - 1), piece.odd(k0 - 2), piece.odd(k0 - 1), {k0 - 1, k1 + 1}, {2, w - 1},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::forward2(v, l, r); });
+        piece.pause();
         lift(piece.odd(k0 - 1), piece.even(k0 - 1), piece.even(k0), {k0 - 1, k1}, {1, w - 2},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::forward3(v, l, r); });
+        piece.pause();
         lift(piece.even(k0), piece.odd(k0 - 1), piece.odd(k0), {k0, k1}, {1, w - 2},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::forward4(v, l, r); });
         lift(piece.odd(k0 - 1), piece.odd(k0 - 1), piece.odd(k0 - 1), {k0 - 1, k1}, {0, w - 3},
@@ -68,12 +76,16 @@ struct LineFilter97 {
             scalePiece(piece.even(k0 - 1), count + 3, Stages::low);
             scalePiece(piece.odd(k0 - 2), count + 4, Stages::high);
         }
+        piece.pause();
         lift(piece.even(k0 - 1), piece.odd(k0 - 2), piece.odd(k0 - 1), {k0 - 1, k1 + 2}, {3, w},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::inverse1(v, l, r); });
+        piece.pause();
         lift(piece.odd(k0 - 1), piece.even(k0 - 1), piece.even(k0), {k0 - 1, k1 + 1}, {2, w - 1},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::inverse2(v, l, r); });
+        piece.pause();
         lift(piece.even(k0), piece.odd(k0 - 1), piece.odd(k0), {k0, k1 + 1}, {2, w - 1},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::inverse3(v, l, r); });
+        piece.pause();
         lift(piece.odd(k0), piece.even(k0), piece.even(k0 + 1), {k0, k1}, {1, w - 2},
              [](auto v, auto l, auto r) { return decltype(stagesOf(v))::inverse4(v, l, r); });
         if constexpr (!Stages::samplesAsStored) {
@@ -178,37 +190,51 @@ private:
     }
 };
 
+// Pieces of lines beyond the cache, and the lines of the cache that half of one takes.
+constexpr int pairsPastCache = 512;
+template <typename T>
+constexpr int linesAhead = pairsPastCache* static_cast<int>(sizeof(T)) / 64;
+
 // Filters a line into its bands. highCount is lowCount, or one more with phase 1, or one less with phase 0. The results
 // of a piece are written before the next one is read.
 template <typename Filter, typename T>
-inline void forwardLine(const Filter& filter, const NaturalLine<T>& line, T* low, int lowCount, T* high, int highCount)
+inline void forwardLine(const Filter& filter, const NaturalLine<T>& line, T* low, int lowCount, T* high, int highCount,
+                        bool pastCache = false)
 {
-    for (int k0 = 0; k0 < lowCount; k0 += piecePairs) {
-        const bool last = lowCount - k0 <= piecePairs;
-        const int k1 = last ? lowCount - 1 : k0 + piecePairs - 1;
+    const int pairs = pastCache ? pairsPastCache : piecePairs;
+    for (int k0 = 0; k0 < lowCount; k0 += pairs) {
+        const bool last = lowCount - k0 <= pairs;
+        const int k1 = last ? lowCount - 1 : k0 + pairs - 1;
         Piece<T> piece(k0);
         line.load(piece, k0 - Filter::reach, k1 + Filter::reach);
+        if (pastCache) {
+            const T* const next = line.x + 2 * (int64_t{k0} + pairs);
+            piece.fetchAhead(next, next + pairs, linesAhead<T> / Filter::pauses);
+        }
         filter.forward(piece, k0, k1);
-        std::memcpy(low + k0, piece.even(k0), static_cast<size_t>(k1 - k0 + 1) * sizeof(T));
+        putSamples(low + k0, piece.even(k0), k1 - k0 + 1, pastCache);
         const int highEnd = last ? highCount : k1 + 1;
-        std::memcpy(high + k0, piece.odd(k0 - line.phase), static_cast<size_t>(highEnd - k0) * sizeof(T));
+        putSamples(high + k0, piece.odd(k0 - line.phase), highEnd - k0, pastCache);
     }
 }
 
 // Filters the bands of a line into its `count` samples.
 template <typename Filter, typename T>
-inline void inverseLine(const Filter& filter, const BandLine<T>& line, T* x, int count)
+inline void inverseLine(const Filter& filter, const BandLine<T>& line, T* x, int count, bool pastCache = false)
 {
-    for (int k0 = 0; 2 * k0 < count; k0 += piecePairs) {
-        const int samples = std::min(count - 2 * k0, 2 * piecePairs);
+    const int pairs = pastCache ? pairsPastCache : piecePairs;
+    for (int k0 = 0; 2 * k0 < count; k0 += pairs) {
+        const int samples = std::min(count - 2 * k0, 2 * pairs);
         const int k1 = k0 + (samples + 1) / 2 - 1;
         Piece<T> piece(k0);
         line.load(piece, k0 - Filter::reach, k1 + Filter::reach);
+        if (pastCache)
+            piece.fetchAhead(line.low + k0 + pairs, line.high + k0 + pairs, linesAhead<T> / Filter::pauses);
         filter.inverse(piece, k0, k1);
         if (line.phase == 0)
-            interleave(piece.even(k0), piece.odd(k0), x + 2 * int64_t{k0}, samples);
+            interleave(piece.even(k0), piece.odd(k0), x + 2 * int64_t{k0}, samples, pastCache);
         else
-            interleave(piece.odd(k0), piece.even(k0 + 1), x + 2 * int64_t{k0}, samples);
+            interleave(piece.odd(k0), piece.even(k0 + 1), x + 2 * int64_t{k0}, samples, pastCache);
     }
 }
 

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include "frame/past_cache.h"
 #include "jpeg2k/transform/lanes.h"
 
 namespace q3 {
@@ -25,14 +26,36 @@ public:
 
     explicit Piece(int first) : first_(first) {}
 
+    // While a piece is lifted, lines of the cache that the next one will want are fetched: a few at a time, at each
+    // pause of the filter, so that none waits for a place.
+    void fetchAhead(const T* first, const T* second, int lines)
+    {
+        ahead_[0] = reinterpret_cast<const char*>(first);
+        ahead_[1] = reinterpret_cast<const char*>(second);
+        aheadLines_ = lines;
+    }
+    void pause()
+    {
+        for (int i = 0; i < aheadLines_; ++i)
+            for (const char*& at : ahead_) {
+                _mm_prefetch(at, _MM_HINT_T0);
+                at += 64;
+            }
+    }
+
     T* even(int k) { return even_ + (k - first_ + before); }
     T* odd(int k) { return odd_ + (k - first_ + before); }
 
 private:
     static constexpr int before = 8;
-    static constexpr int capacity = before + piecePairs + reach + 1 + 2 * lanesOf<T>;  // whole vectors fit behind it
+    static constexpr int needed = before + piecePairs + reach + 1 + 2 * lanesOf<T>;  // whole vectors fit behind it
+    // Half a page further on modulo pages: loads of odd samples must not look like the stores of even ones before them.
+    static constexpr int pageSamples = 4096 / static_cast<int>(sizeof(T));
+    static constexpr int capacity = needed / pageSamples * pageSamples + pageSamples + pageSamples / 2;
 
     int first_;
+    int aheadLines_ = 0;
+    const char* ahead_[2] = {};
     alignas(32) T even_[capacity];
     alignas(32) T odd_[capacity];
 };
@@ -87,9 +110,21 @@ inline void split(const T* x, T* even, T* odd, int pairs)
     }
 }
 
-// x = first[0], second[0], first[1], ...: `count` samples.
+// Results from a piece to memory.
 template <typename T>
-inline void interleave(const T* first, const T* second, T* x, int count)
+inline void putSamples(T* to, const T* from, int count, bool pastCache)
+{
+    const size_t bytes = static_cast<size_t>(count) * sizeof(T);
+    if (pastCache)
+        copyPastCache(to, from, static_cast<int64_t>(bytes));
+    else
+        std::memcpy(to, from, bytes);
+}
+
+// Calls store(x + i, vector) for x = first[0], second[0], first[1], ..., for whole pairs of vectors among the first
+// `count` samples; tells how many samples that were.
+template <typename T, typename Store>
+inline int interleaveVectors(const T* first, const T* second, T* x, int count, const Store& store)
 {
     constexpr int lanes = lanesOf<T>;
     int i = 0;
@@ -98,10 +133,41 @@ inline void interleave(const T* first, const T* second, T* x, int count)
         const __m256i b = loadU(second + i);
         const __m256i low = sizeof(T) == 2 ? _mm256_unpacklo_epi16(a, b) : _mm256_unpacklo_epi32(a, b);
         const __m256i high = sizeof(T) == 2 ? _mm256_unpackhi_epi16(a, b) : _mm256_unpackhi_epi32(a, b);
-        storeU(x + 2 * i, _mm256_permute2x128_si256(low, high, 0x20));
-        storeU(x + 2 * i + lanes, _mm256_permute2x128_si256(low, high, 0x31));
+        store(x + 2 * i, _mm256_permute2x128_si256(low, high, 0x20));
+        store(x + 2 * i + lanes, _mm256_permute2x128_si256(low, high, 0x31));
     }
-    for (int j = 2 * i; j < count; ++j) storeScalar<T>(x + j, j % 2 == 0 ? first[j / 2] : second[j / 2]);
+    return 2 * i;
+}
+template <typename T>
+inline void interleave(const T* first, const T* second, T* x, int count)
+{
+    const int done = interleaveVectors(first, second, x, count, [](T* p, __m256i v) { storeU(p, v); });
+    for (int j = done; j < count; ++j) storeScalar<T>(x + j, j % 2 == 0 ? first[j / 2] : second[j / 2]);
+}
+template <typename T>
+inline void interleavePastCache(const T* first, const T* second, T* x, int count)
+{
+    const int64_t unaligned = bytesToAligned(x);
+    if (unaligned % int64_t{sizeof(T)} != 0)
+        return interleave(first, second, x, count);
+    T end[2 * lanesOf<T>];
+    const int head = std::min(static_cast<int>(unaligned) / static_cast<int>(sizeof(T)), count);
+    interleave(first, second, end, head);
+    putSamples(x, end, head, true);
+    const T* const next = head % 2 == 0 ? first + head / 2 : second + head / 2;
+    const T* const afterNext = head % 2 == 0 ? second + head / 2 : first + head / 2 + 1;
+    const int done =
+        interleaveVectors(next, afterNext, x + head, count - head, [](T* p, __m256i v) { streamAligned(p, v); });
+    interleave(next + done / 2, afterNext + done / 2, end, count - head - done);
+    putSamples(x + head + done, end, count - head - done, true);
+}
+template <typename T>
+inline void interleave(const T* first, const T* second, T* x, int count, bool pastCache)
+{
+    if (pastCache)
+        interleavePastCache(first, second, x, count);
+    else
+        interleave(first, second, x, count);
 }
 
 // Where position i of a line of n samples mirrored at its ends is found; the ends are not repeated. n is at least 2.

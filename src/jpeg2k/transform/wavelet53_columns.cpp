@@ -10,7 +10,9 @@ VekStatus forward(Region<const T> src, Region<T> low, Region<T> high, VekSize ro
 {
     const VekStatus status = checkRegions(src, low, high, roiSize);
     if (status == vekStsOk)
-        forwardColumnsOf(ColumnFilter53<T>{}, src, low, high, roiSize, phase != 0);
+        withStoresFor<T>({low, high}, roiSize, [&](auto pastCache, int head) {
+            forwardColumnsOf(ColumnFilter53<T, pastCache>{}, src, low, high, roiSize, phase != 0, head);
+        });
     return status;
 }
 template <typename T>
@@ -18,7 +20,9 @@ VekStatus inverse(Region<const T> low, Region<const T> high, Region<T> dst, VekS
 {
     const VekStatus status = checkRegions(low, high, dst, roiSize);
     if (status == vekStsOk)
-        inverseColumnsOf(ColumnFilter53<T>{}, low, high, dst, roiSize, phase != 0);
+        withStoresFor<T>({dst}, roiSize, [&](auto pastCache, int head) {
+            inverseColumnsOf(ColumnFilter53<T, pastCache>{}, low, high, dst, roiSize, phase != 0, head);
+        });
     return status;
 }
 

@@ -4,21 +4,21 @@
 
 namespace q3 {
 
-void ownjc_WTFwd_B53_16s(const int16_t* x, int16_t* low, int16_t* high, int width, int phase)
+void ownjc_WTFwd_B53_16s(const int16_t* x, int16_t* low, int16_t* high, int width, int phase, bool pastCache)
 {
-    forwardRow(LineFilter53<int16_t>{}, x, low, high, width, phase);
+    forwardRow(LineFilter53<int16_t>{}, x, low, high, width, phase, pastCache);
 }
-void ownjc_WTFwd_B53_32s(const int32_t* x, int32_t* low, int32_t* high, int width, int phase)
+void ownjc_WTFwd_B53_32s(const int32_t* x, int32_t* low, int32_t* high, int width, int phase, bool pastCache)
 {
-    forwardRow(LineFilter53<int32_t>{}, x, low, high, width, phase);
+    forwardRow(LineFilter53<int32_t>{}, x, low, high, width, phase, pastCache);
 }
-void ownjc_WTInv_B53_16s(const int16_t* low, const int16_t* high, int16_t* x, int width, int phase)
+void ownjc_WTInv_B53_16s(const int16_t* low, const int16_t* high, int16_t* x, int width, int phase, bool pastCache)
 {
-    inverseRow(LineFilter53<int16_t>{}, low, high, x, width, phase);
+    inverseRow(LineFilter53<int16_t>{}, low, high, x, width, phase, pastCache);
 }
-void ownjc_WTInv_B53_32s(const int32_t* low, const int32_t* high, int32_t* x, int width, int phase)
+void ownjc_WTInv_B53_32s(const int32_t* low, const int32_t* high, int32_t* x, int width, int phase, bool pastCache)
 {
-    inverseRow(LineFilter53<int32_t>{}, low, high, x, width, phase);
+    inverseRow(LineFilter53<int32_t>{}, low, high, x, width, phase, pastCache);
 }
 
 VekStatus vekiWTFwdRow_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, int16_t* pDstLow, int dstLowStep,

@@ -6,7 +6,8 @@ namespace q3 {
 
 namespace {
 
-using Filter = ColumnFilter97<float, FloatStages<SeparateLift>, FloatStages<FusedLift>>;
+template <bool pastCache>
+using Filter = ColumnFilter97<float, FloatStages<SeparateLift>, FloatStages<FusedLift>, pastCache>;
 
 }  // namespace
 
@@ -18,7 +19,9 @@ VekStatus vekiWTFwdCol_D97_JPEG2K_32f_C1R(const float* pSrc, int srcStep, float*
     const Region<float> high = {pDstHigh, dstHighStep};
     const VekStatus status = checkRegions(src, low, high, dstRoiSize);
     if (status == vekStsOk)
-        forwardColumnsOf(Filter{dstRoiSize.height}, src, low, high, dstRoiSize, phase != 0);
+        withStoresFor<float>({low, high}, dstRoiSize, [&](auto pastCache, int head) {
+            forwardColumnsOf(Filter<pastCache>{dstRoiSize.height}, src, low, high, dstRoiSize, phase != 0, head);
+        });
     return status;
 }
 
@@ -30,7 +33,9 @@ VekStatus vekiWTInvCol_D97_JPEG2K_32f_C1R(const float* pSrcLow, int srcLowStep, 
     const Region<float> dst = {pDst, dstStep};
     const VekStatus status = checkRegions(low, high, dst, srcRoiSize);
     if (status == vekStsOk)
-        inverseColumnsOf(Filter{srcRoiSize.height}, low, high, dst, srcRoiSize, phase != 0);
+        withStoresFor<float>({dst}, srcRoiSize, [&](auto pastCache, int head) {
+            inverseColumnsOf(Filter<pastCache>{srcRoiSize.height}, low, high, dst, srcRoiSize, phase != 0, head);
+        });
     return status;
 }
 

@@ -10,14 +10,14 @@ namespace {
 
 // A single pair goes through the taps of the filter, which lifting would not give to the bit.
 template <typename Filter, typename T>
-void forwardByTapsOrLifting(const T* x, T* low, T* high, int width, int phase)
+void forwardByTapsOrLifting(const T* x, T* low, T* high, int width, int phase, bool pastCache)
 {
     if (width == 1) {
         const TapResults<T> results = nineTaps(x + phase, x + 1 - phase);
         storeScalar(low, results.low);
         storeScalar(high, results.high);
     } else {
-        forwardRow(Filter{width}, x, low, high, width, phase);
+        forwardRow(Filter{width}, x, low, high, width, phase, pastCache);
     }
 }
 
@@ -27,29 +27,29 @@ using RowFilterFloat = LineFilter97<float, FloatStages<SeparateLift>, FloatStage
 
 }  // namespace
 
-void ownjc_WTFwdRow_D97_16s(const int16_t* x, int16_t* low, int16_t* high, int width, int phase)
+void ownjc_WTFwdRow_D97_16s(const int16_t* x, int16_t* low, int16_t* high, int width, int phase, bool pastCache)
 {
-    forwardByTapsOrLifting<RowFilter16>(x, low, high, width, phase);
+    forwardByTapsOrLifting<RowFilter16>(x, low, high, width, phase, pastCache);
 }
-void ownjc_WTInvRow_D97_16s_(const int16_t* low, const int16_t* high, int16_t* x, int width, int phase)
+void ownjc_WTInvRow_D97_16s_(const int16_t* low, const int16_t* high, int16_t* x, int width, int phase, bool pastCache)
 {
-    inverseRow(RowFilter16{width}, low, high, x, width, phase);
+    inverseRow(RowFilter16{width}, low, high, x, width, phase, pastCache);
 }
-void ownjc_WTFwdRow_D97_32s(const int32_t* x, int32_t* low, int32_t* high, int width, int phase)
+void ownjc_WTFwdRow_D97_32s(const int32_t* x, int32_t* low, int32_t* high, int width, int phase, bool pastCache)
 {
-    forwardByTapsOrLifting<RowFilter32>(x, low, high, width, phase);
+    forwardByTapsOrLifting<RowFilter32>(x, low, high, width, phase, pastCache);
 }
-void ownjc_WTInvRow_D97_32s(const int32_t* low, const int32_t* high, int32_t* x, int width, int phase)
+void ownjc_WTInvRow_D97_32s(const int32_t* low, const int32_t* high, int32_t* x, int width, int phase, bool pastCache)
 {
-    inverseRow(RowFilter32{width}, low, high, x, width, phase);
+    inverseRow(RowFilter32{width}, low, high, x, width, phase, pastCache);
 }
-void ownjc_WTFwd_D97_32f(const float* x, float* low, float* high, int width, int phase)
+void ownjc_WTFwd_D97_32f(const float* x, float* low, float* high, int width, int phase, bool pastCache)
 {
-    forwardByTapsOrLifting<RowFilterFloat>(x, low, high, width, phase);
+    forwardByTapsOrLifting<RowFilterFloat>(x, low, high, width, phase, pastCache);
 }
-void ownjc_WTInv_D97_32f_(const float* low, const float* high, float* x, int width, int phase)
+void ownjc_WTInv_D97_32f_(const float* low, const float* high, float* x, int width, int phase, bool pastCache)
 {
-    inverseRow(RowFilterFloat{width}, low, high, x, width, phase);
+    inverseRow(RowFilterFloat{width}, low, high, x, width, phase, pastCache);
 }
 
 VekStatus vekiWTFwdRow_D97_JPEG2K_16s_C1R(const int16_t* pSrc, int srcStep, int16_t* pDstLow, int dstLowStep,

@@ -16,6 +16,16 @@ struct Region {
     T* row(int y) const { return rowAt(data, step, y); }
 };
 
+// Results of this many bytes and more are stored past the cache: most would be driven out before they are read.
+constexpr int64_t pastCacheBytes = int64_t{16} << 20;
+
+// Whether two results for each sample of this size go there.
+template <typename T>
+inline bool storesPastCache(VekSize size)
+{
+    return 2 * int64_t{size.width} * size.height * int64_t{sizeof(T)} >= pastCacheBytes;
+}
+
 template <typename A, typename B, typename C>
 inline VekStatus checkRegions(const Region<A>& a, const Region<B>& b, const Region<C>& c, VekSize roiSize)
 {

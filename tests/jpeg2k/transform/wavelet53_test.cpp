@@ -47,6 +47,11 @@ TYPED_TEST_SUITE(Wavelet53, Samples);
 
 TYPED_TEST(Wavelet53, RowsEqualTheModel) { checkEverywhere(Forms<TypeParam>::rows, 51); }
 TYPED_TEST(Wavelet53, ColumnsEqualTheModel) { checkEverywhere(Forms<TypeParam>::columns, 52); }
+TYPED_TEST(Wavelet53, LargeRegionsEqualTheirParts)
+{
+    checkLargeRegions(Forms<TypeParam>::rows, 53);
+    checkLargeRegions(Forms<TypeParam>::columns, 54);
+}
 TYPED_TEST(Wavelet53, RowsCheckTheirArguments) { checkArguments(Forms<TypeParam>::rows); }
 TYPED_TEST(Wavelet53, ColumnsCheckTheirArguments) { checkArguments(Forms<TypeParam>::columns); }
 

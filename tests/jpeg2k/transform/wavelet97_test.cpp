@@ -86,8 +86,10 @@ using Samples = testing::Types<int16_t, int32_t, float>;
 TYPED_TEST_SUITE(Wavelet97, Samples);
 
 TYPED_TEST(Wavelet97, RowsEqualTheModel) { checkEverywhere(Forms<TypeParam>::rows, 71); }
+TYPED_TEST(Wavelet97, LargeRegionsOfRowsEqualTheirParts) { checkLargeRegions(Forms<TypeParam>::rows, 73); }
 TYPED_TEST(Wavelet97, RowsCheckTheirArguments) { checkArguments(Forms<TypeParam>::rows); }
 TEST(Wavelet97Columns, EqualTheModel) { checkEverywhere(columns, 72); }
+TEST(Wavelet97Columns, LargeRegionsEqualTheirParts) { checkLargeRegions(columns, 74); }
 TEST(Wavelet97Columns, CheckTheirArguments) { checkArguments(columns); }
 
 // A line of 2 * pairs samples mirrored at its ends, beginning at sample -4 of it; phase 0.

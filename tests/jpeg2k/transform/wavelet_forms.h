@@ -153,11 +153,95 @@ void checkEverywhere(const WaveletForm<T>& form, uint64_t seed)
                 layouts.push_back({size, 20, phase, offset, Guard::Before, static_cast<size_t>(offset)});
         for (const int size : {2047, 2048, 2049, 4097, 5000}) layouts.push_back({size, 2, phase, 2});
         for (const int lines : {255, 256, 257, 511, 513, 1100}) layouts.push_back({9, lines, phase, 6});
+        for (const int lines : {4095, 4097, 8193}) layouts.push_back({4, lines, phase, 2});
     }
     for (const Layout& layout : layouts) {
         ASSERT_NO_FATAL_FAILURE(checkForward(form, layout, random));
         ASSERT_NO_FATAL_FAILURE(checkInverse(form, layout, random));
     }
+}
+
+// A plane too large for guards and models, with a margin around the region that is filtered.
+template <typename T>
+class LargePlane {
+public:
+    LargePlane(VekSize size, int gap, size_t misalignment)
+        : step_((size.width + 2 * margin) * static_cast<int>(sizeof(T)) + gap),
+          bytes_(static_cast<size_t>(step_) * static_cast<size_t>(size.height + 2 * margin) + 64)
+    {
+        const size_t first = (-reinterpret_cast<uintptr_t>(bytes_.data()) & 31) + misalignment;
+        begin_ = first + static_cast<size_t>(step_) * margin + margin * sizeof(T);
+    }
+    void fill(Random& random)
+    {
+        std::vector<T> some(1009);
+        for (T& v : some) v = static_cast<T>(static_cast<int16_t>(random.bits()));
+        const size_t period = some.size() * sizeof(T);
+        for (size_t i = 0; i < bytes_.size(); i += period)
+            std::memcpy(&bytes_[i], some.data(), std::min(period, bytes_.size() - i));
+    }
+    T* at(int x, int y)
+    {
+        return reinterpret_cast<T*>(&bytes_[begin_] + int64_t{step_} * y + int64_t{x} * int64_t{sizeof(T)});
+    }
+    int step() const { return step_; }
+    bool operator==(const LargePlane& other) const { return bytes_ == other.bytes_; }
+
+private:
+    static constexpr int margin = 8;
+    int step_;
+    size_t begin_;
+    std::vector<uint8_t> bytes_;
+};
+
+// Regions so large that their results go past the cache: a whole one like its parts, two small ones.
+template <typename T>
+void checkLargeRegions(const WaveletForm<T>& form, uint64_t seed)
+{
+    Random random(seed);
+    struct Place {
+        int gap;
+        size_t first, second;  // misalignments of the planes of results
+    };
+    constexpr int sampleBytes = static_cast<int>(sizeof(T));
+    constexpr int pairs = 1043, lines = (16 << 20) / (2 * pairs * sampleBytes) + 5, half = lines / 2 + 3;
+    const int width = form.columns ? lines : pairs;
+    const int height = form.columns ? pairs : lines;
+    const auto toWholeVectors = [](int columns) { return 64 - (columns + 16) * sampleBytes % 64; };
+    const auto part = [&](int from, int to) {
+        return form.columns ? VekSize{to - from, height} : VekSize{width, to - from};
+    };
+    const auto x = [&](int line) { return form.columns ? line : 0; };
+    const auto y = [&](int line) { return form.columns ? 0 : line; };
+    for (const Place& place : {Place{0, 0, 0}, Place{0, 20, 20}, Place{0, 4, 12}, Place{6, 2, 8}, Place{0, 1, 3}})
+        for (const int phase : {0, 1}) {
+            const int bandGap = toWholeVectors(width) + place.gap;
+            const VekSize naturalSize = form.columns ? VekSize{width, 2 * height} : VekSize{2 * width, height};
+            const VekSize bandSize = {width, height};
+            LargePlane<T> src(naturalSize, 0, 0), low(bandSize, bandGap, place.first),
+                high(bandSize, bandGap, place.second);
+            LargePlane<T> dst(naturalSize, toWholeVectors(naturalSize.width) + place.gap, place.first);
+            src.fill(random);
+            LargePlane<T> lowParts = low, highParts = high, dstParts = dst;
+            const auto forward = [&](LargePlane<T>& l, LargePlane<T>& h, int from, int to) {
+                ASSERT_EQ(vekStsOk, form.forward(src.at(x(from), y(from)), src.step(), l.at(x(from), y(from)), l.step(),
+                                                 h.at(x(from), y(from)), h.step(), part(from, to), phase));
+            };
+            forward(low, high, 0, lines);
+            forward(lowParts, highParts, 0, half);
+            forward(lowParts, highParts, half, lines);
+            ASSERT_TRUE(low == lowParts && high == highParts) << place.first << ' ' << place.second << ' ' << phase;
+            low.fill(random);
+            high.fill(random);
+            const auto inverse = [&](LargePlane<T>& d, int from, int to) {
+                ASSERT_EQ(vekStsOk, form.inverse(low.at(x(from), y(from)), low.step(), high.at(x(from), y(from)),
+                                                 high.step(), part(from, to), d.at(x(from), y(from)), d.step(), phase));
+            };
+            inverse(dst, 0, lines);
+            inverse(dstParts, 0, half);
+            inverse(dstParts, half, lines);
+            ASSERT_TRUE(dst == dstParts) << place.first << ' ' << phase;
+        }
 }
 
 // Every argument check, in order, with nothing written.
