@@ -29,7 +29,8 @@ private:
 void DdsEncoding::addOptions(CLI::Option_group& group, CLI::Option* /*lossless*/)
 {
     group
-        .add_option("--format", format_, "blocks to write: bc1, bc2, bc3, bc4 (red or grey), bc5 (red and green), ...")
+        .add_option("--format", format_,
+                    "blocks to write; bc4 takes red or grey, bc5 red and green, bc2, bc3 and bc7 also alpha")
         ->check(CLI::IsMember({"bc1", "bc2", "bc3", "bc4", "bc5", "bc7", "ycocg-bc3"}))
         ->capture_default_str();
     CLI::Option* const modes =
