@@ -100,8 +100,8 @@ private:
 
 }  // namespace
 
-// In the order of their speed: a block without error ends the search. Never mode 0: where endpoints share p-bits, blocks
-// differ from what their error was measured of, and there so much that whole pictures get worse.
+// In the order of their speed: a block without error ends the search. Never mode 0: where endpoints share p-bits,
+// blocks differ from what their error was measured of, and there so much that whole pictures get worse.
 std::vector<int> modesOfEffort(int effort)
 {
     if (effort == 1)

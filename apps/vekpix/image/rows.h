@@ -1,6 +1,6 @@
 // Pictures as rows of interleaved samples, from the top: grey (one channel), red, green, blue (three), or the inks
-// cyan, magenta, yellow, black (four; the largest value is all ink). Lights may have an alpha channel behind them, which
-// they are not multiplied by; its largest value is opaque. Samples of more than 8 bits are 16-bit words in the
+// cyan, magenta, yellow, black (four; the largest value is all ink). Lights may have an alpha channel behind them,
+// which they are not multiplied by; its largest value is opaque. Samples of more than 8 bits are 16-bit words in the
 // machine's own order.
 #ifndef VEKPIX_IMAGE_ROWS_H
 #define VEKPIX_IMAGE_ROWS_H

@@ -1,4 +1,4 @@
-"""Decodes DDS files by Python's imaging library: each FILE to FILE.raw, a line of mode, width and height, then bytes."""
+"""Decodes DDS files by Python's imaging library: each FILE to FILE.raw, a line of mode and size, then bytes."""
 import sys
 
 from PIL import Image
