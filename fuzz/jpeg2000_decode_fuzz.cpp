@@ -1,5 +1,6 @@
 // JPEG 2000 files of any bytes: whole, reduced and with fewer layers they end in a picture or in an Error, soon. One
 // thread and several give the same outcome.
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "input.h"
 #include "jpeg2000/codestream_reader.h"
 #include "jpeg2000/decoder.h"
+#include "jpeg2000/describe.h"
 #include "jpeg2000/jp2_boxes.h"
 
 namespace {
@@ -65,6 +67,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const Outcome whole = decode(file, {});
     const Outcome shared = decode(file, {.threads = 2});
     fuzz::require(whole.failed == shared.failed && (whole.failed || whole.hash == shared.hash));
+    std::ostringstream text;
+    try {
+        vekpix::jpeg2000::describe(file, text);
+    } catch (const vekpix::Error&) {
+    }
     decode(file, {.droppedResolutions = 1 + choice % 4, .layers = 1 + choice % 3});
     return 0;
 }

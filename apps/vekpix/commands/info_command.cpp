@@ -10,6 +10,7 @@
 #include "image/formats.h"
 #include "io/input_file.h"
 #include "jpeg/describe.h"
+#include "jpeg2000/describe.h"
 #include "tiff/describe.h"
 
 namespace vekpix {
@@ -47,11 +48,13 @@ void addInfoCommand(CLI::App& app)
 {
     auto path = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("info", "Tells what a picture file holds.");
-    command->add_option("file", *path, "JPEG, DDS, TIFF, PNG, PPM, PGM or PAM file")->required();
+    command->add_option("file", *path, "JPEG, JPEG 2000, DDS, TIFF, PNG, PPM, PGM or PAM file")->required();
     command->callback([path] {
         const ImageFormat format = formatOf(*path);
         if (format == ImageFormat::Jpeg)
             describeCoded(*path, jpeg::describe);
+        else if (format == ImageFormat::Jpeg2000 || format == ImageFormat::Jp2)
+            describeCoded(*path, jpeg2000::describe);
         else if (format == ImageFormat::Dds)
             describeCoded(*path, dds::describe);
         else if (format == ImageFormat::Tiff)

@@ -52,6 +52,7 @@ struct CodingStyle {
     // Logarithms of the precincts' sizes, of each resolution.
     std::array<uint8_t, maxLevels + 1> precinctWidthLog{};
     std::array<uint8_t, maxLevels + 1> precinctHeightLog{};
+    bool operator==(const CodingStyle&) const = default;
 };
 
 enum class StepSizes { None, Derived, Expounded };
@@ -59,6 +60,7 @@ enum class StepSizes { None, Derived, Expounded };
 struct StepSize {
     int exponent = 0;
     int mantissa = 0;  // in units of 1 / 2048, above 1
+    bool operator==(const StepSize&) const = default;
 };
 
 struct Quantization {
@@ -66,12 +68,14 @@ struct Quantization {
     int guardBits = 2;
     // Of LL, then HL, LH, HH of each resolution from the second.
     std::array<StepSize, maxBands> steps{};
+    bool operator==(const Quantization&) const = default;
 };
 
 struct ComponentParameters {
     CodingStyle style;
     Quantization quantization;
     int regionShift = 0;  // of a region of interest
+    bool operator==(const ComponentParameters&) const = default;
 };
 
 // A change of the progression order (POC).
@@ -82,6 +86,7 @@ struct ProgressionRange {
     int firstComponent = 0;
     int endComponent = 16384;
     int endLayer = 65535;
+    bool operator==(const ProgressionRange&) const = default;
 };
 
 struct TileParameters {
@@ -92,6 +97,7 @@ struct TileParameters {
     bool headerMarkers = false;  // EPH behind packet headers
     std::vector<ComponentParameters> components;
     std::vector<ProgressionRange> changes;
+    bool operator==(const TileParameters&) const = default;
 };
 
 constexpr int64_t ceilDiv(int64_t a, int64_t b) { return (a + b - 1) / b; }

@@ -289,6 +289,39 @@ TEST_F(Jpeg2000Decode, ThreadsDoNotChangeAByte)
     }
 }
 
+TEST_F(Jpeg2000Decode, InfoTellsWhatTheHeadersSay)
+{
+    const auto info = [&](const Options& options, const std::string& name) {
+        openJpeg(colours(), options, name);
+        const support::Outcome outcome = vekpix({"info", path(name)});
+        EXPECT_EQ(0, outcome.status) << outcome.errors;
+        return outcome.output;
+    };
+    const auto expectAll = [](const std::string& text, const Options& lines) {
+        for (const std::string& line : lines) EXPECT_NE(std::string::npos, text.find(line)) << line << "\n" << text;
+    };
+    expectAll(info({"-d", "13,7", "-T",   "5,3",  "-t", "100,90",          "-n", "4",    "-r", "9,1", "-M", "37",
+                    "-p", "PCRL", "-SOP", "-EPH", "-c", "[64,32],[16,16]", "-b", "32,16"},
+                   "a.jp2"),
+              {"JP2, ", "colours: sRGB\n", "code-stream: ", "picture: 197 x 151 at 13, 7\n",
+               "tiles: 3 x 2 of 100 x 90 from 5, 3\n", "  components 0 to 2: 8 bits, one for 1 x 1\n",
+               "coding: PCRL, 2 layers, component transform, SOP markers, EPH markers\n",
+               "  components 0 to 2: 5/3 reversible, 3 levels, blocks of 32 x 16, bypass, termall, segsym\n",
+               "    precincts 4 x 4, 8 x 8, 16 x 16, 64 x 32\n", "    quantisation: exponents alone, 2 guard bits\n",
+               "\ntile 0: ", "\ntile 5: ", " bytes in 1 tile-part\n"});
+    expectAll(info({"-I", "-r", "5", "-ROI", "c=1,U=9", "-TP", "R", "-POC", "T1=0,0,1,6,3,RPCL"}, "a.j2k"),
+              {"JPEG 2000 code-stream, ", "  component 1: 9/7 irreversible, 5 levels, blocks of 64 x 64\n",
+               "    quantisation: a step for each band, 2 guard bits\n", "    region of interest: 9 planes up\n",
+               "  RPCL for resolutions 0 to 5, components 0 to 2, layers up to 0\n", " tile-parts\n"});
+    std::vector<uint8_t> few = bytes("a.j2k");
+    few.resize(60);
+    save("cut.j2k", few);
+    const support::Outcome cut = vekpix({"info", path("cut.j2k")});
+    EXPECT_EQ(1, cut.status);
+    EXPECT_EQ(0u, cut.output.find("JPEG 2000 code-stream, 60 bytes\n"));
+    EXPECT_NE(std::string::npos, cut.errors.find("cut.j2k: the file's headers end early")) << cut.errors;
+}
+
 TEST_F(Jpeg2000Decode, TheCommandDecodesByFirstBytesAndTakesItsOptions)
 {
     openJpeg(colours(), {"-r", "20,1"}, "a.jp2");
