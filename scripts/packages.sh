@@ -4,8 +4,8 @@ packages_build=(build-essential cmake ninja-build ccache pkg-config libboost-dev
 packages_test=(clang clang-format dcmtk doxygen git grokj2k-tools imagemagick libbenchmark-dev libclang-rt-dev
   libgtest-dev libjpeg-dev libjpeg-turbo-progs libomp-dev libopenjp2-7-dev libopenjp2-tools libsquish-dev libtiff-dev
   libtiff-tools llvm python3 python3-pil zlib1g-dev)
-packages_bench=(libbenchmark-dev libjpeg-dev libopenjp2-7-dev libsquish-dev libtiff-dev libturbojpeg0-dev python3
-  python3-matplotlib)
+packages_bench=(grokj2k-tools libbenchmark-dev libjpeg-dev libopenjp2-7-dev libopenjp2-tools libsquish-dev libtiff-dev
+  libturbojpeg0-dev python3 python3-matplotlib)
 packages_demo=(libjpeg-turbo-progs python3)
 
 as_root() {
