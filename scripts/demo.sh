@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Codes two photographs and a large picture with vekpix, decodes the files with vekpix and with the packaged djpeg,
-# and prints what came of it. Installs what it needs on Debian 12. The files are left in build/demo to look at.
+# Codes two photographs and a large picture with vekpix, decodes the files with it and with the packaged codecs, and
+# prints what came of it. Installs what it needs on Debian 12. The files are left in build/demo to look at.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
@@ -55,35 +55,41 @@ rate() { awk -v pixels="$1" -v ms="$2" 'BEGIN {printf "%.1f", pixels / 1000 / (m
 pixels_of() { python3 scripts/tile_ppm.py --pixels "$1"; }
 
 printf '%-28s %10s | %8s %8s | %10s %10s\n' '' '' 'PSNR, dB' '' 'megapixels per second' ''
-printf '%-28s %10s | %8s %8s | %10s %10s\n' 'file' 'bytes' 'vekpix' 'djpeg' 'encode' 'decode'
-# row PICTURE NAME OPTION...
+printf '%-28s %10s | %8s %8s | %10s %10s\n' 'file' 'bytes' 'vekpix' 'peer' 'encode' 'decode'
+# row PICTURE FILE OPTION...
 row() {
-  local picture=$1 name=$2 file encode_ms decode_ms pixels
+  local picture=$1 file=$demo/$2 name=${2%.*} encode_ms decode_ms pixels
   shift 2
-  file=$demo/$name.jpg
   best_ms "$vekpix" encode "$picture" "$file" "$@"
   encode_ms=$ms
   best_ms "$vekpix" decode "$file" "$demo/$name.vekpix.ppm"
   decode_ms=$ms
-  djpeg -ppm -outfile "$demo/$name.djpeg.ppm" "$file"
+  case $file in
+    *.jpg) djpeg -ppm -outfile "$demo/$name.peer.ppm" "$file" ;;
+    *.jp2) opj_decompress -i "$file" -o "$demo/$name.peer.ppm" &>/dev/null ;;
+  esac
   pixels=$(pixels_of "$demo/$name.vekpix.ppm")
-  printf '%-28s %10d | %8s %8s | %10s %10s\n' "$name.jpg" "$(stat -c %s "$file")" \
-    "$(psnr "$picture" "$demo/$name.vekpix.ppm")" "$(psnr "$picture" "$demo/$name.djpeg.ppm")" \
+  printf '%-28s %10d | %8s %8s | %10s %10s\n' "${file##*/}" "$(stat -c %s "$file")" \
+    "$(psnr "$picture" "$demo/$name.vekpix.ppm")" "$(psnr "$picture" "$demo/$name.peer.ppm")" \
     "$(rate "$pixels" "$encode_ms")" "$(rate "$pixels" "$decode_ms")"
 }
 for photograph in astronaut chelsea; do
   for quality in 50 75 95; do
     for sampling in 444 422 420; do
-      row "$photographs/$photograph.png" "${photograph}_q${quality}_$sampling" \
+      row "$photographs/$photograph.png" "${photograph}_q${quality}_$sampling.jpg" \
         --quality "$quality" --sampling "$sampling"
     done
   done
-  row "$photographs/$photograph.png" "${photograph}_q75_420_optimized" --quality 75 --sampling 420 --optimize
+  row "$photographs/$photograph.png" "${photograph}_q75_420_optimized.jpg" --quality 75 --sampling 420 --optimize
+  for rate in 0.5 1 2; do row "$photographs/$photograph.png" "${photograph}_$rate.jp2" --rate "$rate"; done
+  row "$photographs/$photograph.png" "${photograph}_lossless.jp2"
 done
-row "$large" large_q75_420_restart --quality 75 --sampling 420 --restart 256
-row "$large" large_q75_420 --quality 75 --sampling 420
+row "$large" large_q75_420_restart.jpg --quality 75 --sampling 420 --restart 256
+row "$large" large_q75_420.jpg --quality 75 --sampling 420
+row "$large" large_2.jp2 --rate 2
 rm "$demo"/large_*.ppm
 echo
-echo "Both smooth the chroma that they enlarge (422, 420). The photographs are read from PNG files,"
+echo "The peers are djpeg, which smooths the chroma that it enlarges (422, 420) as vekpix does, and opj_decompress;"
+echo "a rate stands in the names of JP2 files, in bits per pixel. The photographs are read from PNG files,"
 echo "the large picture from a PPM file; a time is that of the whole program, on $(nproc) processors."
 echo "Files to look at: $demo"

@@ -6,7 +6,7 @@ packages_test=(clang clang-format dcmtk doxygen git grokj2k-tools imagemagick li
   libtiff-tools llvm python3 python3-pil zlib1g-dev)
 packages_bench=(grokj2k-tools libbenchmark-dev libjpeg-dev libopenjp2-7-dev libopenjp2-tools libsquish-dev libtiff-dev
   libturbojpeg0-dev python3 python3-matplotlib)
-packages_demo=(libjpeg-turbo-progs python3)
+packages_demo=(libjpeg-turbo-progs libopenjp2-tools python3)
 
 as_root() {
   if [[ $EUID -eq 0 ]]; then
