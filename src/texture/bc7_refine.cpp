@@ -106,15 +106,13 @@ struct SubsetLanes {
     }
 };
 
-// One channel's entries between two endpoints of 8 bits.
-using Entries = std::array<int32_t, 16>;
-inline void makeEntries(int a, int b, const uint8_t* weights, int count, Entries& entries)
+// One channel's entries between two endpoints of 8 bits, four in each half of a vector: the weights of both endpoints,
+// as pairs of 16 bits, by the endpoints.
+inline __m256i makeEntries(int a, int b, const int32_t* weightPairs)
 {
-    for (int j = 0; j < count; j += 4) {
-        const __m128i w = _mm_cvtepu8_epi32(_mm_cvtsi32_si128(loadScalar<int32_t>(weights + j)));
-        const __m128i sum = _mm_add_epi32(_mm_mullo_epi32(w, _mm_set1_epi32(b - a)), _mm_set1_epi32(64 * a + 32));
-        storeU128(entries.data() + j, _mm_srli_epi32(sum, 6));
-    }
+    const __m256i weights = _mm256_broadcastsi128_si256(loadU128(weightPairs));
+    const __m256i sums = _mm256_madd_epi16(weights, _mm256_set1_epi32(a | b << 16));
+    return _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(32)), 6);
 }
 
 inline int32_t sumOf(__m256i v)
@@ -163,57 +161,95 @@ private:
 
     void setWeights(int indexBits)
     {
-        weights_ = weightsOf(indexBits);
+        const uint8_t* const weights = weightsOf(indexBits);
         count_ = 1 << indexBits;
-        for (int j = 0; j < count_; ++j) others_[static_cast<size_t>(j)].fill(0);
+        for (size_t j = 0; j < static_cast<size_t>(count_); ++j) {
+            weightPairs_[j] = (64 - weights[j]) | weights[j] << 16;
+            others_[j].fill(0);
+        }
     }
 
-    static __m256i squaredDifference(const int32_t* pixels, int32_t entry)
+    static __m256i squaredDifference(const int32_t* pixels, __m256i entry)
     {
-        const __m256i d = _mm256_sub_epi16(loadU(pixels), _mm256_set1_epi32(entry));
+        const __m256i d = _mm256_sub_epi16(loadU(pixels), entry);
         return _mm256_madd_epi16(d, d);
+    }
+
+    // Calls `each` with the number of every entry and the entry in all lanes.
+    template <int count, class Each>
+    void forEachEntry(int a, int b, const Each& each) const
+    {
+        for (size_t j = 0; j < count; j += 4) {
+            const __m256i entries = makeEntries(a, b, weightPairs_.data() + j);
+            each(j, _mm256_shuffle_epi32(entries, 0x00));
+            each(j + 1, _mm256_shuffle_epi32(entries, 0x55));
+            each(j + 2, _mm256_shuffle_epi32(entries, 0xAA));
+            each(j + 3, _mm256_shuffle_epi32(entries, 0xFF));
+        }
     }
 
     void add(const Bc7EndpointPair& values, size_t channel)
     {
-        Entries entries;
-        makeEntries(values.a[channel], values.b[channel], weights_, count_, entries);
-        for (size_t j = 0; j < static_cast<size_t>(count_); ++j) {
+        const auto addTo = [&](size_t j, __m256i entry) {
             for (size_t i = 0; i < 16; i += 8) {
                 int32_t* const p = others_[j].data() + i;
-                storeU(p,
-                       _mm256_add_epi32(loadU(p), squaredDifference(lanes_.channels[channel].data() + i, entries[j])));
+                storeU(p, _mm256_add_epi32(loadU(p), squaredDifference(lanes_.channels[channel].data() + i, entry)));
             }
-        }
+        };
+        const int a = values.a[channel], b = values.b[channel];
+        if (count_ == 4)
+            forEachEntry<4>(a, b, addTo);
+        else if (count_ == 8)
+            forEachEntry<8>(a, b, addTo);
+        else
+            forEachEntry<16>(a, b, addTo);
     }
 
-    int32_t errorOf(int a, int b) const
+    int32_t errorOf(int a, int b) const { return lanes_.vectors == 1 ? errorOfLanes<1>(a, b) : errorOfLanes<2>(a, b); }
+
+    template <size_t vectors>
+    int32_t errorOfLanes(int a, int b) const
     {
-        Entries entries;
-        makeEntries(a, b, weights_, count_, entries);
-        int32_t sum = fixed_;
-        for (size_t i = 0; i < static_cast<size_t>(8 * lanes_.vectors); i += 8) {
-            const auto distance = [&](size_t j) {
-                return _mm256_add_epi32(loadU(others_[j].data() + i),
-                                        squaredDifference(pixels_.data() + i, entries[j]));
-            };
-            __m256i best = distance(0);
-            __m256i goesOn = loadU(lanes_.isThere.data() + i);
-            best = _mm256_and_si256(best, goesOn);
-            for (size_t j = 1; j < static_cast<size_t>(count_); ++j) {
-                const __m256i d = distance(j);
-                goesOn = _mm256_andnot_si256(_mm256_cmpgt_epi32(d, best), goesOn);
-                best = _mm256_blendv_epi8(best, d, goesOn);
-            }
-            sum += sumOf(best);
+        return count_ == 4   ? errorOfEntries<4, vectors>(a, b)
+               : count_ == 8 ? errorOfEntries<8, vectors>(a, b)
+                             : errorOfEntries<16, vectors>(a, b);
+    }
+
+    // Eight pixels. Where one has stopped, its distances count as the largest there are, and so the best one stays.
+    struct Nearest {
+        __m256i best = _mm256_set1_epi32(INT32_MAX);
+        __m256i stopped = _mm256_setzero_si256();
+
+        void take(__m256i distance)
+        {
+            const __m256i isFarther = _mm256_cmpgt_epi32(distance, best);
+            best = _mm256_min_epu32(best, _mm256_or_si256(distance, stopped));
+            stopped = _mm256_or_si256(stopped, isFarther);
         }
-        return sum;
+    };
+
+    template <int count, size_t vectors>
+    int32_t errorOfEntries(int a, int b) const
+    {
+        Nearest first, second;
+        const auto distance = [&](size_t j, size_t i, __m256i entry) {
+            return _mm256_add_epi32(loadU(others_[j].data() + i), squaredDifference(pixels_.data() + i, entry));
+        };
+        forEachEntry<count>(a, b, [&](size_t j, __m256i entry) {
+            first.take(distance(j, 0, entry));
+            if constexpr (vectors == 2)
+                second.take(distance(j, 8, entry));
+        });
+        __m256i errors = _mm256_and_si256(first.best, loadU(lanes_.isThere.data()));
+        if constexpr (vectors == 2)
+            errors = _mm256_add_epi32(errors, _mm256_and_si256(second.best, loadU(lanes_.isThere.data() + 8)));
+        return fixed_ + sumOf(errors);
     }
 
     const SubsetLanes& lanes_;
     const std::array<int32_t, 16>& pixels_;
     int bits_;
-    const uint8_t* weights_ = nullptr;
+    std::array<int32_t, 16> weightPairs_;
     int count_ = 0;
     int32_t fixed_ = 0;
     alignas(32) std::array<std::array<int32_t, 16>, 16> others_;

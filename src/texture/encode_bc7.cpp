@@ -33,7 +33,7 @@ public:
     {
         for (size_t s = 0; s < shapes_; ++s) {
             order_[s] = s;
-            errors_[s] = RoughMSE(bc7Modes[mode_], pixels, s, choice.selection, endpoints_[s]);
+            errors_[s] = RoughMSE(bc7Modes[mode_], pixels, s, choice.selection, endpoints_);
         }
         for (size_t i = 0; i < candidates_; ++i) {
             for (size_t j = i + 1; j < shapes_; ++j) {
