@@ -1,4 +1,4 @@
-// PackBits rows of any bytes, rooms and lengths: both functions as their models, the bytes behind untouched, and what is
+// PackBits rows of any bytes, rooms and lengths: both functions as their models, the bytes behind untouched; what is
 // packed comes back.
 #include <algorithm>
 #include <vector>

@@ -1,4 +1,4 @@
-// Rows of TIFF pictures: photographs, runs and noise through PackBits, beside libtiff; and samples of 16 bits as planes.
+// Rows of TIFF pictures: photographs, runs and noise through PackBits, beside libtiff; samples of 16 bits as planes.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
