@@ -78,20 +78,36 @@ def in_words(nanoseconds):
     return f"{nanoseconds / 1e9:.3g} s"
 
 
-def markdown(run, promised_only):
+def machine_of(run):
     context = run["context"]
-    machine = f"{context['num_cpus']} processors of {context['mhz_per_cpu']} MHz"
-    lines = [f"{context['date'][:10]}, x86-64, {machine}.", "",
-             "|Function|Arguments|Time|Peer|Its time|Ratio|Promised|",
+    return (f"{context['date'][:10]}, x86-64, {context['num_cpus']} processors of {context['mhz_per_cpu']} MHz.", "")
+
+
+def markdown(run):
+    lines = [*machine_of(run), "|Function|Arguments|Time|Peer|Its time|Ratio|Promised|",
              "|---|---|---:|---|---:|---:|---:|"]
     for function, arguments, time, peer, peer_time, promise in rows(median_times(run)):
-        if promised_only and not promise:
-            continue
         if peer:
             lines.append(f"|`{function}`|{arguments}|{in_words(time)}|{peer.removeprefix('peer_')}|"
                          f"{in_words(peer_time)}|{peer_time / time:.2f}|{promise or ''}|")
         else:
             lines.append(f"|`{function}`|{arguments}|{in_words(time)}|||||")
+    return "\n".join(lines) + "\n"
+
+
+def promises(run):
+    """A short table: a line for each peer, with the functions beside it and the ratios over all arguments."""
+    groups = {}
+    for function, _, time, peer, peer_time, promise in rows(median_times(run)):
+        if promise:
+            functions, ratios = groups.setdefault((peer, promise), ({}, []))
+            functions[function] = True
+            ratios.append(peer_time / time)
+    lines = [*machine_of(run), "|Functions|Peer|Ratio|Promised|", "|---|---|---:|---:|"]
+    for (peer, promise), (functions, ratios) in groups.items():
+        low, high = f"{min(ratios):.2f}", f"{max(ratios):.2f}"
+        lines.append(f"|{', '.join(f'`{function}`' for function in functions)}|{peer.removeprefix('peer_')}|"
+                     f"{low if low == high else f'{low} to {high}'}|{promise}|")
     return "\n".join(lines) + "\n"
 
 
@@ -114,22 +130,20 @@ def plot(run, path):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("run")
-    parser.add_argument("--promised-only", action="store_true", help="only functions for which a ratio is promised")
-    parser.add_argument("--table", help="file for the table")
-    parser.add_argument("--into", help="Markdown file whose marked section gets the table")
+    parser.add_argument("--table", help="file for the table of all benchmarks")
+    parser.add_argument("--into", help="Markdown file whose marked section gets the ratios that are promised")
     parser.add_argument("--plot", help="PNG file for the plot of the ratios")
     arguments = parser.parse_args()
     with open(arguments.run, encoding="utf-8") as file:
         run = json.load(file)
-    table = markdown(run, arguments.promised_only)
     if arguments.table:
         with open(arguments.table, "w", encoding="utf-8") as file:
-            file.write(table)
+            file.write(markdown(run))
     if arguments.into:
         with open(arguments.into, encoding="utf-8") as file:
             before, rest = file.read().split(BEGIN)
         with open(arguments.into, "w", encoding="utf-8") as file:
-            file.write(f"{before}{BEGIN}\n{table}{END}{rest.split(END)[1]}")
+            file.write(f"{before}{BEGIN}\n{promises(run)}{END}{rest.split(END)[1]}")
     if arguments.plot:
         plot(run, arguments.plot)
 

@@ -33,6 +33,6 @@ OMP_NUM_THREADS=1 build/bench-build/bench/vekjp_bench --benchmark_filter="$filte
 # The system's Python is the one that has the packaged matplotlib.
 /usr/bin/python3 bench/table.py build/bench/run.json --table build/bench/table.md --plot build/bench/plot.png
 if [[ $readme == yes ]]; then
-  /usr/bin/python3 bench/table.py build/bench/run.json --promised-only --into README.md
+  /usr/bin/python3 bench/table.py build/bench/run.json --into README.md
 fi
 cat build/bench/table.md
