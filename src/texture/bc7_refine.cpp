@@ -91,18 +91,18 @@ Assignment AssignIndices(const Bc7Mode& mode, const Bc7Pixels& pixels, const Bc7
 struct SubsetLanes {
     alignas(32) std::array<std::array<int32_t, 16>, 4> channels{};
     alignas(32) std::array<int32_t, 16> isThere{};  // all ones
-    int vectors = 1;                                // that hold them, eight each
+    size_t count = 0;
+    int vectors = 1;  // that hold them, eight each
 
     SubsetLanes(const Bc7Pixels& pixels, const Partition& subsetOf, size_t subset)
     {
-        size_t n = 0;
         for (size_t i = 0; i < 16; ++i) {
             if (subsetOf[i] != subset)
                 continue;
-            for (size_t c = 0; c < 4; ++c) channels[c][n] = pixels.channels[c][i];
-            isThere[n++] = -1;
+            for (size_t c = 0; c < 4; ++c) channels[c][count] = pixels.channels[c][i];
+            isThere[count++] = -1;
         }
-        vectors = n > 8 ? 2 : 1;
+        vectors = count > 8 ? 2 : 1;
     }
 };
 
@@ -151,6 +151,14 @@ public:
 
     // With quantised endpoints.
     int32_t error(int a, int b) const { return errorOf(unquantised(a, bits_), unquantised(b, bits_)); }
+
+    // Of eight pairs of quantised endpoints, the first in the lower halves.
+    __m256i errors(const std::array<int32_t, 8>& pairs) const
+    {
+        const __m256i high = _mm256_sll_epi16(loadU(pairs.data()), _mm_cvtsi32_si128(8 - bits_));
+        const __m256i ends = _mm256_or_si256(high, _mm256_srl_epi16(high, _mm_cvtsi32_si128(bits_)));
+        return count_ == 4 ? errorsOfEight<4>(ends) : count_ == 8 ? errorsOfEight<8>(ends) : errorsOfEight<16>(ends);
+    }
 
 private:
     ChannelSearch(const SubsetLanes& lanes, size_t channel, int indexBits)
@@ -215,7 +223,7 @@ private:
                              : errorOfEntries<16, vectors>(a, b);
     }
 
-    // Eight pixels. Where one has stopped, its distances count as the largest there are, and so the best one stays.
+    // Eight pixels, or eight palettes. Where one has stopped, its distances count as the largest there are, and so the best one stays.
     struct Nearest {
         __m256i best = _mm256_set1_epi32(INT32_MAX);
         __m256i stopped = _mm256_setzero_si256();
@@ -244,6 +252,27 @@ private:
         if constexpr (vectors == 2)
             errors = _mm256_add_epi32(errors, _mm256_and_si256(second.best, loadU(lanes_.isThere.data() + 8)));
         return fixed_ + sumOf(errors);
+    }
+
+    template <size_t count>
+    __m256i errorsOfEight(__m256i ends) const
+    {
+        __m256i entries[count];
+        for (size_t j = 0; j < count; ++j) {
+            const __m256i sums = _mm256_madd_epi16(ends, _mm256_set1_epi32(weightPairs_[j]));
+            entries[j] = _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(32)), 6);
+        }
+        __m256i sum = _mm256_set1_epi32(fixed_);
+        for (size_t i = 0; i < lanes_.count; ++i) {
+            const __m256i pixel = _mm256_set1_epi32(pixels_[i]);
+            Nearest nearest;
+            for (size_t j = 0; j < count; ++j) {
+                const __m256i d = _mm256_sub_epi16(pixel, entries[j]);
+                nearest.take(_mm256_add_epi32(_mm256_set1_epi32(others_[j][i]), _mm256_madd_epi16(d, d)));
+            }
+            sum = _mm256_add_epi32(sum, nearest.best);
+        }
+        return sum;
     }
 
     const SubsetLanes& lanes_;
@@ -303,14 +332,26 @@ void Exhaustive(const ChannelSearch& search, int bits, uint8_t& a, uint8_t& b, i
     const int top = (1 << bits) - 1;
     const int aLow = std::max(0, a - exhaustiveReach), aHigh = std::min(a + exhaustiveReach, top);
     const int bLow = std::max(0, b - exhaustiveReach), bHigh = std::min(b + exhaustiveReach, top);
-    int bestA = a, bestB = b;
-    const auto attempt = [&](int tryA, int tryB) {
-        const int32_t e = search.error(tryA, tryB);
-        if (e < error) {
-            error = e;
-            bestA = tryA;
-            bestB = tryB;
+    int32_t best = b << 16 | a;
+    std::array<int32_t, 8> pairs{};
+    size_t count = 0;
+    const auto measure = [&] {
+        const __m256i errors = search.errors(pairs);
+        const __m256i isLess = _mm256_cmpgt_epi32(_mm256_set1_epi32(error), errors);
+        if (_mm256_movemask_epi8(isLess) != 0) {
+            std::array<int32_t, 8> each;
+            storeU(each.data(), errors);
+            for (size_t i = 0; i < count; ++i) {
+                best = each[i] < error ? pairs[i] : best;
+                error = std::min(error, each[i]);
+            }
         }
+        count = 0;
+    };
+    const auto attempt = [&](int tryA, int tryB) {
+        pairs[count++] = tryB << 16 | tryA;
+        if (count == pairs.size())
+            measure();
     };
     if (a > b) {
         for (int tryB = bLow; tryB < bHigh; ++tryB)
@@ -319,8 +360,9 @@ void Exhaustive(const ChannelSearch& search, int bits, uint8_t& a, uint8_t& b, i
         for (int tryA = aLow; tryA <= aHigh; ++tryA)
             for (int tryB = std::max(tryA, bLow); tryB < bHigh; ++tryB) attempt(tryA, tryB);
     }
-    a = static_cast<uint8_t>(bestA);
-    b = static_cast<uint8_t>(bestB);
+    measure();
+    a = static_cast<uint8_t>(best & 0xFF);
+    b = static_cast<uint8_t>(best >> 16);
 }
 
 Bc7EndpointPair optimise(const Bc7Mode& mode, uint32_t selection, const SubsetLanes& lanes, Bc7EndpointPair pair,

@@ -5,10 +5,10 @@
 
 namespace q3 {
 
-// Fits a line to the pixels of each subset of a partition. Stores its ends in the partition's place, and returns the
-// squared error of the block with them. Those of the partitions before it must be there: some have subsets in common.
-int32_t RoughMSE(const Bc7Mode& mode, const Bc7Pixels& pixels, size_t partition, uint32_t selection,
-                 std::array<Bc7Endpoints, 64>& endpoints);
+// Fits a line to the pixels of each subset of the first `partitions` partitions. Stores their ends, and the squared
+// error of the block with each partition.
+void RoughMSE(const Bc7Mode& mode, const Bc7Pixels& pixels, size_t partitions, uint32_t selection,
+              Bc7Endpoints* endpoints, int32_t* errors);
 
 }  // namespace q3
 

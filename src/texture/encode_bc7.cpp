@@ -31,10 +31,8 @@ public:
 
     void run(const Bc7Pixels& pixels, Bc7Choice choice, int32_t& best, BlockBits& block)
     {
-        for (size_t s = 0; s < shapes_; ++s) {
-            order_[s] = s;
-            errors_[s] = RoughMSE(bc7Modes[mode_], pixels, s, choice.selection, endpoints_);
-        }
+        RoughMSE(bc7Modes[mode_], pixels, shapes_, choice.selection, endpoints_.data(), errors_.data());
+        for (size_t s = 0; s < shapes_; ++s) order_[s] = s;
         for (size_t i = 0; i < candidates_; ++i) {
             for (size_t j = i + 1; j < shapes_; ++j) {
                 if (errors_[i] > errors_[j]) {

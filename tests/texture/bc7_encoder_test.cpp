@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -8,6 +9,7 @@
 #include "reference/texture/bptc.h"
 #include "support/guarded_buffer.h"
 #include "support/sanitizers.h"
+#include "texture/bc7_axes.h"
 #include "texture/bc7_svd.h"
 #include "vekj.h"
 
@@ -167,6 +169,47 @@ TEST(Svd, FindsTheSingularValuesAndAnOrthonormalBasis)
             }
         }
         ASSERT_NEAR(norm, sum, 1e-5 * norm);
+    }
+}
+
+// Four at once, of any heights, like each one alone: noise, lines, planes, few values, one value.
+TEST(Svd, OfFourMatricesFindsTheSameAxes)
+{
+    Random random(7);
+    for (int trial = 0; trial < (support::underSanitizer ? 2000 : 60000); ++trial) {
+        const int n = random.in(3, 4);
+        int heights[4];
+        alignas(32) float lanes[16][4][4] = {}, axes[4][4];
+        float expected[4][64];
+        for (int lane = 0; lane < 4; ++lane) {
+            heights[lane] = random.in(3, 16);
+            float a[16 * 8], w[4];
+            const int kind = random.in(0, 5), range = 1 << random.in(0, 8);
+            int along[2][4];
+            for (auto& direction : along)
+                for (int& v : direction) v = random.in(-range, range);
+            for (int r = 0; r < heights[lane]; ++r) {
+                const int t = random.in(-9, 9), u = kind == 2 ? random.in(-9, 9) : 0;
+                for (int c = 0; c < n; ++c) {
+                    const int v = kind == 0   ? random.in(-range, range)
+                                  : kind <= 2 ? t * along[0][c] + u * along[1][c]
+                                  : kind == 3 ? (random.chance(80) ? 0 : range)
+                                  : kind == 4 ? along[0][c]
+                                              : (c == 1 ? 0 : random.in(-range, range));
+                    a[8 * r + c] = lanes[r][c][lane] = static_cast<float>(v) / (trial % 2 == 0 ? 1.0F : 7.0F);
+                }
+            }
+            q3::svd_32f(n, heights[lane], a, 8, w, expected[lane], 16);
+        }
+        q3::MatrixLanes matrices{};
+        const int m = *std::max_element(heights, heights + 4);
+        for (size_t r = 0; r < 16; ++r)
+            for (size_t c = 0; c < 4; ++c) matrices[r][c] = _mm_load_ps(lanes[r][c]);
+        const q3::RowLanes found = q3::mainAxes(n, m, matrices);
+        for (int c = 0; c < n; ++c) _mm_store_ps(axes[c], found[static_cast<size_t>(c)]);
+        for (int lane = 0; lane < 4; ++lane)
+            for (int c = 0; c < n; ++c)
+                ASSERT_EQ(0, std::memcmp(&expected[lane][c], &axes[c][lane], 4)) << trial << ' ' << lane << ' ' << c;
     }
 }
 
