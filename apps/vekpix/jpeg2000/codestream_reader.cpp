@@ -14,7 +14,8 @@ namespace {
 
 constexpr int64_t largestCoordinate = 1 << 30;
 constexpr int64_t mostTiles = 65535;
-constexpr int64_t mostTileComponents = int64_t{1} << 22;
+// Components of all tiles together, whatever the file's length; above, each must have a byte.
+constexpr int64_t tileComponentsAnyway = 1 << 16;
 constexpr size_t mostChanges = 512;
 
 // Of two markers that set the same the higher counts.
@@ -253,7 +254,7 @@ PictureSize readSize(Fields fields)
         throw Error("impossible sizes of picture and tiles");
     const int64_t tiles =
         ceilDiv(size.x1 - size.tileX0, size.tileWidth) * ceilDiv(size.y1 - size.tileY0, size.tileHeight);
-    if (tiles > mostTiles || tiles * count > mostTileComponents)
+    if (tiles > mostTiles)
         throw Error("too many tiles");
     for (uint32_t c = 0; c < count; ++c) {
         const uint32_t depth = fields.u8();
@@ -329,6 +330,9 @@ Codestream::Codestream(std::span<const uint8_t> bytes)
         throw Error("not a JPEG 2000 code-stream");
     const uint32_t sizeLength = start.u16();
     size_ = readSize(Fields(start.bytes(sizeLength < 2 ? 0 : sizeLength - 2)));
+    const auto components = static_cast<int64_t>(size_.components.size());
+    if (size_.tileCount() * components > std::max(tileComponentsAnyway, static_cast<int64_t>(bytes.size())))
+        throw Error("the file holds too little data for its tiles and components");
     parameters_.components.resize(size_.components.size());
     styleRanks_.assign(size_.components.size(), rankNone);
     quantizationRanks_.assign(size_.components.size(), rankNone);

@@ -396,5 +396,12 @@ TEST_F(Jpeg2000Damage, HugeClaimsAreRefusedAtOnce)
                   put(b, xsiz, 1 << 20);
                   put(b, tileWide, 1);
               })));
+    Bytes manyComponents(file.begin(), file.begin() + 4);
+    put16(manyComponents, 38 + 3 * 16384);
+    put16(manyComponents, 0);
+    for (const uint32_t value : {255u, 257u, 0u, 0u, 1u, 1u, 0u, 0u}) put32(manyComponents, value);
+    put16(manyComponents, 16384);
+    for (int i = 0; i < 16384; ++i) append(manyComponents, Bytes{7, 1, 1});
+    EXPECT_EQ("the file holds too little data for its tiles and components", messageOf(manyComponents));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
