@@ -8,6 +8,7 @@
 
 #include "error.h"
 #include "support/guarded_buffer.h"
+#include "support/sanitizers.h"
 #include "tiff/decoder.h"
 #include "tiff/describe.h"
 #include "tiff_files.h"
@@ -78,7 +79,9 @@ TEST(TiffDamage, EveryByteMayHaveAnyValue)
 {
     for (const Bytes& file : samples())
         for (size_t i = 0; i < file.size(); ++i)
-            for (const int value : {0, 1, 2, 3, 4, 8, 127, 128, 129, 254, 255, file[i] ^ 1, file[i] ^ 128}) {
+            for (const int value : {0, 255, file[i] ^ 1, file[i] ^ 128, 1, 2, 3, 4, 8, 127, 128, 129, 254}) {
+                if (support::underSanitizer && value != 0 && value != 255 && value != (file[i] ^ 128))
+                    continue;
                 Bytes damaged = file;
                 damaged[i] = static_cast<uint8_t>(value);
                 SCOPED_TRACE(testing::Message() << "byte " << i << " is " << value);
