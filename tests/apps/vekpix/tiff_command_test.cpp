@@ -51,6 +51,8 @@ TEST_F(TiffCommand, FilesGoBothWaysExactly)
     for (const auto& [width, height] : {std::pair(1, 1), std::pair(61, 45), std::pair(400, 150)})
         for (const int channels : {1, 3})
             for (const int bits : {8, 16}) {
+                if (support::underSanitizer && width != 61)
+                    continue;
                 SCOPED_TRACE(testing::Message() << width << " x " << height << " x " << channels << ", " << bits);
                 const Raster picture = support::drawnRaster(width, height, channels, bits);
                 saveRaster("in.ppm", picture);
@@ -70,9 +72,6 @@ TEST_F(TiffCommand, FilesGoBothWaysExactly)
                         runs({"tiffcp", order, "-c", compression, "-r", "7", path("peer.tif"), path("copy.tif")});
                         ASSERT_EQ(0, vekpix({"decode", path("copy.tif"), path(out)}).status);
                         EXPECT_TRUE(contents("in.ppm") == contents(out));
-                        EXPECT_NE(
-                            std::string::npos,
-                            vekpix({"compare", path("in.ppm"), path("copy.tif")}).output.find("largest difference 0"));
                     }
                 }
             }
@@ -88,6 +87,8 @@ TEST_F(TiffCommand, ReadsChannelsThatStandApart)
         runs({"tiffcp", "-c", compression, "-p", "separate", "-r", "7", path("peer.tif"), path("copy.tif")});
         ASSERT_EQ(0, vekpix({"decode", path("copy.tif"), path("out.ppm")}).status);
         EXPECT_TRUE(picture.pixels == loadPnm("out.ppm").pixels);
+        const Outcome comparison = vekpix({"compare", path("in.ppm"), path("copy.tif")});
+        EXPECT_NE(std::string::npos, comparison.output.find("all       PSNR    inf dB  largest difference 0"));
     }
 }
 
