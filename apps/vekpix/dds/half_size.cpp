@@ -1,6 +1,7 @@
 #include "dds/half_size.h"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 namespace vekpix::dds {
@@ -39,22 +40,37 @@ bool HalfSize::takeRow(const uint8_t* row, uint8_t* half)
     return true;
 }
 
+namespace {
+
+// The sums of one pixel of the result, over the pixels of the source in left .. right, which are `unit` wide.
+template <size_t channels>
+void sumPixels(const uint8_t* row, int64_t left, int64_t right, int64_t unit, uint64_t* sums)
+{
+    for (int64_t from = left / unit; from * unit < right; ++from) {
+        const auto weight = static_cast<uint64_t>(std::min(right, (from + 1) * unit) - std::max(left, from * unit));
+        const uint8_t* pixel = row + static_cast<size_t>(from) * channels;
+        for (size_t c = 0; c < channels; ++c) sums[c] += weight * pixel[c];
+        if constexpr (channels == 4)
+            for (size_t c = 0; c < 3; ++c) sums[4 + c] += weight * pixel[3] * pixel[c];
+    }
+}
+
+uint8_t mean(uint64_t sum, uint64_t weights)
+{
+    if (weights == 4)  // all the pixels of even sizes
+        return static_cast<uint8_t>((sum + 2) / 4);
+    return static_cast<uint8_t>((sum + weights / 2) / weights);
+}
+
+}  // namespace
+
 void HalfSize::sumAcross(const uint8_t* row)
 {
+    constexpr std::array sumChannels = {sumPixels<1>, sumPixels<2>, sumPixels<3>, sumPixels<4>};
+    auto* const sum = sumChannels[channels_ - 1];
     std::fill(row_.begin(), row_.end(), 0);
-    for (int64_t x = 0; x < across_.to; ++x) {
-        uint64_t* sums = row_.data() + static_cast<size_t>(x) * sums_;
-        const int64_t left = x * across_.span;
-        const int64_t right = left + across_.span;
-        for (int64_t from = left / across_.unit; from * across_.unit < right; ++from) {
-            const auto weight =
-                static_cast<uint64_t>(std::min(right, (from + 1) * across_.unit) - std::max(left, from * across_.unit));
-            const uint8_t* pixel = row + static_cast<size_t>(from) * channels_;
-            for (size_t c = 0; c < channels_; ++c) sums[c] += weight * pixel[c];
-            if (channels_ == 4)
-                for (size_t c = 0; c < 3; ++c) sums[4 + c] += weight * pixel[3] * pixel[c];
-        }
-    }
+    for (int64_t x = 0; x < across_.to; ++x)
+        sum(row, x * across_.span, (x + 1) * across_.span, across_.unit, row_.data() + static_cast<size_t>(x) * sums_);
 }
 
 void HalfSize::addRow(uint64_t weight)
@@ -64,14 +80,12 @@ void HalfSize::addRow(uint64_t weight)
 
 void HalfSize::storeRow(uint8_t* half) const
 {
-    const auto mean = [](uint64_t sum, uint64_t weights) {
-        return static_cast<uint8_t>((sum + weights / 2) / weights);
-    };
     const auto area = static_cast<uint64_t>(across_.span * down_.span);
     for (const uint64_t* sums = total_.data(); sums != total_.data() + total_.size();
          sums += sums_, half += channels_) {
         for (size_t c = 0; c < channels_; ++c) half[c] = mean(sums[c], area);
-        if (channels_ == 4 && sums[3] != 0)
+        const bool opaque = channels_ == 4 && sums[3] == 255 * area;  // then colours weigh alike already
+        if (channels_ == 4 && sums[3] != 0 && !opaque)
             for (size_t c = 0; c < 3; ++c) half[c] = mean(sums[4 + c], sums[3]);
     }
 }
