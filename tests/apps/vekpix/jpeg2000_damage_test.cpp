@@ -390,7 +390,7 @@ TEST_F(Jpeg2000Damage, HugeClaimsAreRefusedAtOnce)
         const Bytes wide = with([&](Bytes& b) {
             for (const size_t at : {xsiz, ysiz, tileWide, tileHigh}) put(b, at, side);
         });
-        EXPECT_THROW(decodeJpeg2000(wide), std::exception) << side;
+        EXPECT_THROW(decodeJpeg2000(wide), vekpix::Error) << side;
     }
     EXPECT_EQ("too many tiles", messageOf(with([&](Bytes& b) {
                   put(b, xsiz, 1 << 20);
