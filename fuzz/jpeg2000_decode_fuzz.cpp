@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "decode_outcome.h"
 #include "error.h"
 #include "input.h"
 #include "jpeg2000/codestream_reader.h"
@@ -13,19 +14,11 @@
 
 namespace {
 
+using fuzz::Outcome;
+
 constexpr size_t longestFile = 1 << 13;
 // A file of a few bytes may well hold a large picture, of one value.
 constexpr int64_t mostSamples = int64_t{1} << 17;
-
-struct Outcome {
-    bool failed = false;
-    uint64_t hash = 14695981039346656037u;
-
-    void add(const uint8_t* bytes, size_t count)
-    {
-        for (size_t i = 0; i < count; ++i) hash = (hash ^ bytes[i]) * 1099511628211u;
-    }
-};
 
 bool isSmall(std::span<const uint8_t> file)
 {
@@ -41,17 +34,7 @@ bool isSmall(std::span<const uint8_t> file)
 
 Outcome decode(std::span<const uint8_t> file, const vekpix::jpeg2000::DecodeOptions& options)
 {
-    Outcome outcome;
-    try {
-        vekpix::jpeg2000::Decoder decoder(file, options);
-        const size_t step = decoder.shape().rowBytes();
-        std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
-        while (const int rows = decoder.readBand(band.data(), step))
-            outcome.add(band.data(), static_cast<size_t>(rows) * step);
-    } catch (const vekpix::Error&) {
-        outcome.failed = true;
-    }
-    return outcome;
+    return fuzz::decodeBands<vekpix::jpeg2000::Decoder>(file, options);
 }
 
 }  // namespace
@@ -66,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int choice = data[size - 1];
     const Outcome whole = decode(file, {});
     const Outcome shared = decode(file, {.threads = 2});
-    fuzz::require(whole.failed == shared.failed && (whole.failed || whole.hash == shared.hash));
+    fuzz::require(whole.isSameAs(shared));
     std::ostringstream text;
     try {
         vekpix::jpeg2000::describe(file, text);

@@ -5,37 +5,20 @@
 #include <string>
 #include <vector>
 
+#include "decode_outcome.h"
 #include "error.h"
 #include "jpeg/decoder.h"
 #include "jpeg/describe.h"
 
 namespace {
 
+using fuzz::Outcome;
+
 constexpr size_t longestFile = 1 << 14;  // bounds the pixels of a run: each 8 x 8 of them take two bits and more
-
-struct Outcome {
-    bool failed = false;
-    uint64_t hash = 14695981039346656037u;
-
-    void add(const uint8_t* bytes, size_t count)
-    {
-        for (size_t i = 0; i < count; ++i) hash = (hash ^ bytes[i]) * 1099511628211u;
-    }
-};
 
 Outcome decode(std::span<const uint8_t> file, const vekpix::jpeg::DecodeOptions& options)
 {
-    Outcome outcome;
-    try {
-        vekpix::jpeg::Decoder decoder(file, options);
-        const size_t step = decoder.shape().rowBytes();
-        std::vector<uint8_t> band(step * static_cast<size_t>(decoder.bandRows()));
-        while (const int rows = decoder.readBand(band.data(), step))
-            outcome.add(band.data(), static_cast<size_t>(rows) * step);
-    } catch (const vekpix::Error&) {
-        outcome.failed = true;
-    }
-    return outcome;
+    return fuzz::decodeBands<vekpix::jpeg::Decoder>(file, options);
 }
 
 }  // namespace
@@ -53,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (whole.failed != reduced.failed)
         std::abort();
     const Outcome shared = decode(file, {1, 2, upsampling, inks});
-    if (whole.failed != shared.failed || (!whole.failed && whole.hash != shared.hash))
+    if (!whole.isSameAs(shared))
         std::abort();
     std::ostringstream text;
     try {

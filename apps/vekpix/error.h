@@ -3,6 +3,7 @@
 #define VEKPIX_ERROR_H
 
 #include <stdexcept>
+#include <string>
 
 namespace vekpix {
 
@@ -10,6 +11,17 @@ class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+// Calls `read`; its Error also tells the file.
+template <class Read>
+auto reading(const std::string& path, const Read& read)
+{
+    try {
+        return read();
+    } catch (const Error& error) {
+        throw Error(path + ": " + error.what());
+    }
+}
 
 }  // namespace vekpix
 

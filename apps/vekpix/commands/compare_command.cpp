@@ -8,11 +8,14 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "dds/decoder.h"
 #include "error.h"
+#include "image/band_rows.h"
 #include "image/depth_rows.h"
 #include "image/formats.h"
 #include "io/input_file.h"
-#include "jpeg/jpeg_rows.h"
+#include "jpeg/decoder.h"
+#include "jpeg2000/decoder.h"
 #include "tiff/tiff_rows.h"
 #include "vekcore.h"
 
@@ -54,16 +57,34 @@ struct Difference {
     }
 };
 
+template <class Decoder, class Options>
+std::unique_ptr<RowReader> openCoded(const std::string& path, Options options)
+{
+    options.threads = ownGetNumThreads();
+    return std::make_unique<BandRows<Decoder>>(path, options);
+}
+
 std::unique_ptr<RowReader> openAny(const std::string& path, bool inks)
 {
-    if (formatOf(path) == ImageFormat::Tiff)
-        return tiff::openTiff(path);
-    if (formatOf(path) != ImageFormat::Jpeg)
-        return openPicture(path, SampleDepth::AsStored);
-    jpeg::DecodeOptions options;
-    options.threads = ownGetNumThreads();
-    options.inks = inks;
-    return jpeg::openJpeg(path, options);
+    switch (formatOf(path)) {
+        case ImageFormat::Jpeg: {
+            jpeg::DecodeOptions options;
+            options.inks = inks;
+            return openCoded<jpeg::Decoder>(path, options);
+        }
+        case ImageFormat::Jpeg2000:
+        case ImageFormat::Jp2:
+            return openCoded<jpeg2000::Decoder>(path, jpeg2000::DecodeOptions());
+        case ImageFormat::Dds: {
+            dds::DecodeOptions options;
+            options.alpha = false;
+            return openCoded<dds::Decoder>(path, options);
+        }
+        case ImageFormat::Tiff:
+            return tiff::openTiff(path);
+        default:
+            return openPicture(path, SampleDepth::AsStored);
+    }
 }
 
 std::string sizeOf(const RowReader& picture)
@@ -142,8 +163,9 @@ void addCompareCommand(CLI::App& app)
     auto arguments = std::make_shared<CompareArguments>();
     CLI::App* command =
         app.add_subcommand("compare", "Compares two pictures of the same size, at the smaller of their depths.");
-    command->add_option("first", arguments->first, "PNG, PPM, PGM, PAM, JPEG or TIFF file")->required();
-    command->add_option("second", arguments->second, "PNG, PPM, PGM, PAM, JPEG or TIFF file")->required();
+    command->add_option("first", arguments->first, "PNG, PPM, PGM, PAM, JPEG, JPEG 2000, DDS or TIFF file")->required();
+    command->add_option("second", arguments->second, "PNG, PPM, PGM, PAM, JPEG, JPEG 2000, DDS or TIFF file")
+        ->required();
     command->callback([arguments] { compare(*arguments); });
 }
 

@@ -39,17 +39,6 @@ std::unique_ptr<Decoding> makeJpeg2000Decoding();
 std::unique_ptr<Decoding> makeDdsDecoding();
 std::unique_ptr<Decoding> makeTiffDecoding();
 
-// Calls `read`; its Error also tells the file.
-template <class Read>
-auto reading(const std::string& path, const Read& read)
-{
-    try {
-        return read();
-    } catch (const Error& error) {
-        throw Error(path + ": " + error.what());
-    }
-}
-
 // Writes all bands of `decoder`, which is made of the file at `path`.
 template <class Decoder>
 void writeBands(const std::string& path, Decoder& decoder, RowWriter& writer)

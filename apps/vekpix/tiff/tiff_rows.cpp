@@ -15,27 +15,16 @@ class TiffRows : public RowReader {
 public:
     explicit TiffRows(const std::string& path) : path_(path), file_(readFile(path))
     {
-        named([&] { decoder_.emplace(file_); });
+        reading(path_, [&] { decoder_.emplace(file_); });
         shape_ = decoder_->shape();
     }
 
     void readRows(uint8_t* pixels, size_t step, int rows) override
     {
-        named([&] { decoder_->readRows(pixels, step, rows); });
+        reading(path_, [&] { decoder_->readRows(pixels, step, rows); });
     }
 
 private:
-    // Calls `work`; its Error also tells the file.
-    template <class Work>
-    void named(const Work& work) const
-    {
-        try {
-            work();
-        } catch (const Error& error) {
-            throw Error(path_ + ": " + error.what());
-        }
-    }
-
     std::string path_;
     std::vector<uint8_t> file_;
     std::optional<Decoder> decoder_;
