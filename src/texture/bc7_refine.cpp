@@ -223,7 +223,8 @@ private:
                              : errorOfEntries<16, vectors>(a, b);
     }
 
-    // Eight pixels, or eight palettes. Where one has stopped, its distances count as the largest there are, and so the best one stays.
+    // Eight pixels, or eight palettes. Where one has stopped, its distances count as the largest there are, and so the
+    // best one stays.
     struct Nearest {
         __m256i best = _mm256_set1_epi32(INT32_MAX);
         __m256i stopped = _mm256_setzero_si256();
