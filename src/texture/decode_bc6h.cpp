@@ -40,7 +40,7 @@ Endpoints endpointsOf(Endpoints e, size_t channel)
             e[i] = signExtended(e[i], m.otherPrecision[channel]);
         if (m.isTransformed) {
             const int32_t sum = e[0] + e[i];
-            e[i] = sum < 0 ? sum | ~((1 << (m.basePrecision + 1)) - 1) : sum & ((1 << m.basePrecision) - 1);
+            e[i] = sum < 0 ? sum : sum & ((1 << m.basePrecision) - 1);
         }
     }
     return e;

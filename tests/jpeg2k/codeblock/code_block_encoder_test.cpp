@@ -11,6 +11,7 @@ namespace {
 using codeblock::GuardedBlock;
 using codeblock::randomBlock;
 using codeblock::randomSize;
+using support::Guard;
 using support::GuardedArray;
 using support::Random;
 using Bytes = std::vector<uint8_t>;
@@ -37,7 +38,7 @@ protected:
         for (int calls = 0, isNotFinished = 1; isNotFinished != 0; ++calls) {
             ASSERT_GT(1000000, calls);
             const auto stored = expected.store(room);
-            GuardedArray<uint8_t> piece(static_cast<size_t>(room));
+            GuardedArray<uint8_t> piece(static_cast<size_t>(room), calls % 2 == 0 ? Guard::Before : Guard::Behind);
             std::memset(piece.data(), 0xA5, static_cast<size_t>(room));
             int length = room;
             ASSERT_EQ(vekStsOk, vekiEncodeStoreBits_JPEG2K_1u(piece.data(), &length, state_, &isNotFinished));
