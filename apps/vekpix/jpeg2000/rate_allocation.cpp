@@ -47,22 +47,29 @@ public:
 
     double slopeForDistortion(double distortion) const { return search_.slopeForDistortion(distortion); }
 
-    // A slope down to which the next layer does not make all layers larger than `bytes`: what headers take is known
-    // only when the bodies are.
+    // A slope down to which the next layer does not make all layers larger than `bytes`. What headers take is known only
+    // when the bodies are: so the bytes that all bodies may take are searched for, each time with the last error taken
+    // off, but well within what is known to fit and not to fit.
     double slopeForBytes(double bytes) const
     {
+        constexpr int attempts = 12;
+        constexpr double goodEnough = 1.0 / 2000;
         double slope = HUGE_VAL;
-        double low = 0, high = bytes;  // that bodies may take: enough room, and too much unless headers are for nothing
+        double fits = 0, fitsNot = bytes;
         double bodies = bytes - bytesSoFar_ - bytesOfNextLayer(HUGE_VAL);
-        for (int i = 0; i < 12 && high - low > 1; ++i) {
+        for (int i = 0; i < attempts && fitsNot - fits > 1; ++i) {
             const double candidate = search_.slopeForBytes(std::max(0.0, bodies));
-            const double total = bytesSoFar_ + bytesOfNextLayer(candidate);
-            if (total <= bytes)
+            const double left = bytes - bytesSoFar_ - bytesOfNextLayer(candidate);
+            if (left >= 0) {
                 slope = candidate;
-            (total <= bytes ? low : high) = bodies;
-            if (total <= bytes && bytes - total < bytes / 2000)
-                break;
-            bodies = std::clamp(bodies + bytes - total, low + (high - low) / 16, high - (high - low) / 16);
+                fits = bodies;
+                if (left < bytes * goodEnough)
+                    break;
+            } else {
+                fitsNot = bodies;
+            }
+            const double margin = (fitsNot - fits) / 16;
+            bodies = std::clamp(bodies + left, fits + margin, fitsNot - margin);
         }
         return slope;
     }
