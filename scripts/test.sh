@@ -48,6 +48,7 @@ done
 [[ ${#steps[@]} -gt 0 ]] || steps=("${all_steps[@]}")
 
 jobs=$(nproc)
+export CCACHE_SLOPPINESS=pch_defines,time_macros  # the tests have a precompiled header
 gnu=(-DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMPILER=g++)
 llvm=(-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++)
 
@@ -118,7 +119,7 @@ step_tsan() {
 
 step_fuzz() {
   configure fuzz "${llvm[@]}" -DVEK_SANITIZE=address,undefined -DVEK_BUILD_FUZZ=ON -DVEK_BUILD_TESTS=OFF
-  build_all fuzz
+  build_all fuzz fuzz/all
   local fuzzers=(build/fuzz/fuzzers/*)
   [[ -x ${fuzzers[0]} ]] || { echo "there are no fuzz targets" >&2; return 1; }
   printf '%s\n' "${fuzzers[@]}" | xargs -P "$jobs" -n 1 scripts/fuzz.sh --seconds "$fuzz_seconds"

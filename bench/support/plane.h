@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <random>
 #include <type_traits>
 
 namespace support {
@@ -21,8 +20,8 @@ public:
     explicit AlignedArray(size_t count, uint64_t seed = 1)
         : data_(static_cast<T*>(std::aligned_alloc(64, (count * sizeof(T) + 63) / 64 * 64))), count_(count)
     {
-        std::mt19937_64 engine(seed);
-        for (size_t i = 0; i < count; ++i) data_.get()[i] = static_cast<T>(engine());
+        uint64_t state = seed;
+        for (size_t i = 0; i < count; ++i) data_.get()[i] = static_cast<T>(next(state));
     }
 
     T* data() { return data_.get(); }
@@ -30,6 +29,15 @@ public:
     size_t size() const { return count_; }
 
 private:
+    // SplitMix64: quicker than the functions that are to be timed.
+    static uint64_t next(uint64_t& state)
+    {
+        uint64_t z = state += 0x9E3779B97F4A7C15;
+        z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9;
+        z = (z ^ z >> 27) * 0x94D049BB133111EB;
+        return z ^ z >> 31;
+    }
+
     std::unique_ptr<T, FreeDeleter> data_;
     size_t count_;
 };
