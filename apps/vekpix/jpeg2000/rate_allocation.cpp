@@ -47,9 +47,9 @@ public:
 
     double slopeForDistortion(double distortion) const { return search_.slopeForDistortion(distortion); }
 
-    // A slope down to which the next layer does not make all layers larger than `bytes`. What headers take is known only
-    // when the bodies are: so the bytes that all bodies may take are searched for, each time with the last error taken
-    // off, but well within what is known to fit and not to fit.
+    // A slope down to which the next layer does not make all layers larger than `bytes`. What headers take is known
+    // only when the bodies are: so the bytes that all bodies may take are searched for, each time with the last error
+    // taken off, but well within what is known to fit and not to fit.
     double slopeForBytes(double bytes) const
     {
         constexpr int attempts = 12;
