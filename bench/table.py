@@ -95,6 +95,16 @@ def markdown(run):
     return "\n".join(lines) + "\n"
 
 
+def shortened(names, width):
+    """As many names as fit, at least the first, and how many more there are."""
+    for count in range(len(names), 0, -1):
+        more = f" and {len(names) - count} more" if count < len(names) else ""
+        text = ", ".join(f"`{name}`" for name in names[:count]) + more
+        if len(text) <= width:
+            break
+    return text
+
+
 def promises(run):
     """A short table: a line for each peer, with the functions beside it and the ratios over all arguments."""
     groups = {}
@@ -106,8 +116,8 @@ def promises(run):
     lines = [*machine_of(run), "|Functions|Peer|Ratio|Promised|", "|---|---|---:|---:|"]
     for (peer, promise), (functions, ratios) in groups.items():
         low, high = f"{min(ratios):.2f}", f"{max(ratios):.2f}"
-        lines.append(f"|{', '.join(f'`{function}`' for function in functions)}|{peer.removeprefix('peer_')}|"
-                     f"{low if low == high else f'{low} to {high}'}|{promise}|")
+        rest = f"|{peer.removeprefix('peer_')}|{low if low == high else f'{low} to {high}'}|{promise}|"
+        lines.append(f"|{shortened(list(functions), 119 - len(rest))}{rest}")
     return "\n".join(lines) + "\n"
 
 
