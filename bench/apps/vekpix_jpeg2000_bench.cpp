@@ -13,33 +13,16 @@
 #include <vector>
 
 #include "jpeg_peer.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using Command = std::vector<std::string>;
 
-class Folder {
-public:
-    Folder()
-    {
-        std::string name = (fs::temp_directory_path() / "vekjp_bench_XXXXXX").string();
-        if (mkdtemp(name.data()) != nullptr)
-            path_ = name;
-    }
-    ~Folder() { fs::remove_all(path_); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string file(const std::string& name) const { return (path_ / name).string(); }
-
-private:
-    fs::path path_;
-};
-
-const Folder& folder()
+const support::TemporaryFolder& folder()
 {
-    static const Folder made;
+    static const support::TemporaryFolder made("vekjp_bench_");
     return made;
 }
 

@@ -9,7 +9,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -18,6 +17,7 @@
 #include <vector>
 
 #include "jpeg_peer.h"
+#include "support/temporary_folder.h"
 
 namespace support {
 
@@ -30,15 +30,7 @@ struct Outcome {
 
 class FolderTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "vekpix_test_XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(name.data()));
-        folder_ = name;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string path(const std::string& name) const { return temporary_.file(name); }
 
     void save(const std::string& name, std::span<const uint8_t> bytes) const
     {
@@ -82,7 +74,8 @@ protected:
         return picture;
     }
 
-    std::filesystem::path folder_;
+    TemporaryFolder temporary_{"vekpix_test_"};
+    const std::filesystem::path& folder_ = temporary_.path();
 };
 
 class CommandTest : public FolderTest {
