@@ -27,8 +27,8 @@ struct DoubledTerms {
     }
 };
 
-// One MCU. Two rows of chroma, one in each half of a vector, are worked on together. 16 pixels at a time are 8 of two
-// rows in 4:4:4 and 4:2:2, as the rows of a block follow each other, and one row of 16 in 4:1:1.
+// One MCU. Two rows of chroma, one in each lane, are worked on together, and the pixels of two such groups stored. The
+// loops are unrolled: the whole of an MCU takes no longer than a few passes of a loop take to find their pace.
 template <McuLayout layout, typename Form, typename Pixels>
 inline void ownDecodeMCU(const int16_t* const* pSrcMCU, uint8_t* pDst, int dstStep)
 {
@@ -36,41 +36,37 @@ inline void ownDecodeMCU(const int16_t* const* pSrcMCU, uint8_t* pDst, int dstSt
     const int16_t* const pCb = pSrcMCU[1];
     const int16_t* const pCr = pSrcMCU[2];
     const int16_t* const pKey = Pixels::hasKey ? pSrcMCU[3] : nullptr;
-    constexpr int stride = layout == McuLayout::s411 ? 64 : 8;  // from the first eight pixels to the other ones
+    constexpr int rowsPerChroma = layout == McuLayout::s411 ? 2 : 1;
 
-    const auto storePixels = [=](int luma, uint8_t* pLow, uint8_t* pHigh, const Channels& terms)
-        __attribute__((always_inline))
+    const auto terms = [=](int chromaRow) __attribute__((always_inline))
     {
-        const Channels c = Form::channels(loadSamples<stride>(pLuma, luma), terms);
-        if constexpr (Pixels::hasKey)
-            Pixels::store(pLow, pHigh, c, Form::key(loadSamples<stride>(pKey, luma)));
-        else
-            Pixels::store(pLow, pHigh, c);
+        return Form::terms(loadU(pCb + 8 * chromaRow), loadU(pCr + 8 * chromaRow));
     };
-    constexpr int rightBytes = 8 * Pixels::pixelBytes;
+    // 8 luma samples at `luma` and 8 of the row that has the next row of chroma, with their terms.
+    const auto pixels = [=](int luma, const Channels& t) __attribute__((always_inline))
+    {
+        const Channels c = Form::channels(loadSamples<8 * rowsPerChroma>(pLuma, luma), t);
+        if constexpr (Pixels::hasKey)
+            return ChannelsAndKey{c, Form::key(loadSamples<8 * rowsPerChroma>(pKey, luma))};
+        else
+            return c;
+    };
 
-    for (int chromaRow = 0; chromaRow < 8; chromaRow += 2) {
-        const Channels terms = Form::terms(loadU(pCb + 8 * chromaRow), loadU(pCr + 8 * chromaRow));
-        if constexpr (layout == McuLayout::s411) {
-            // The halves of each chroma row go to the low halves, or the high ones, of both halves.
-            constexpr int transposed = 0xD8;
-            const DoubledTerms doubled({_mm256_permute4x64_epi64(terms.first, transposed),
-                                        _mm256_permute4x64_epi64(terms.second, transposed),
-                                        _mm256_permute4x64_epi64(terms.third, transposed)});
-            for (int i = 0; i < 4; ++i) {
-                const int y = 2 * chromaRow + i;
-                uint8_t* pRow = rowAt(pDst, dstStep, y);
-                storePixels(mcuLumaIndex(0, y), pRow, pRow + rightBytes, i < 2 ? doubled.low : doubled.high);
-            }
-        } else {
-            uint8_t* pUpper = rowAt(pDst, dstStep, chromaRow);
-            uint8_t* pLower = rowAt(pDst, dstStep, chromaRow + 1);
-            if constexpr (layout == McuLayout::s444) {
-                storePixels(8 * chromaRow, pUpper, pLower, terms);
-            } else {
-                const DoubledTerms doubled(terms);
-                storePixels(mcuLumaIndex(0, chromaRow), pUpper, pLower, doubled.low);
-                storePixels(mcuLumaIndex(8, chromaRow), pUpper + rightBytes, pLower + rightBytes, doubled.high);
+    if constexpr (layout == McuLayout::s444) {
+#pragma GCC unroll 2
+        for (int y = 0; y < 8; y += 4)
+            Pixels::storeBelow(rowAt(pDst, dstStep, y), dstStep, pixels(8 * y, terms(y)),
+                               pixels(8 * (y + 2), terms(y + 2)));
+    } else {
+#pragma GCC unroll 4
+        for (int chromaRow = 0; chromaRow < 8; chromaRow += 2) {
+            const DoubledTerms doubled(terms(chromaRow));
+#pragma GCC unroll 2
+            for (int i = 0; i < rowsPerChroma; ++i) {
+                const int y = rowsPerChroma * chromaRow + i;
+                uint8_t* pUpper = rowAt(pDst, dstStep, y);
+                Pixels::storeBeside(pUpper, rowAt(pUpper, dstStep, rowsPerChroma),
+                                    pixels(mcuLumaIndex(0, y), doubled.low), pixels(mcuLumaIndex(8, y), doubled.high));
             }
         }
     }
