@@ -100,59 +100,86 @@ using StoreRGB = StorePixels24<Order::RGB>;
 using StoreBGR = StorePixels24<Order::BGR>;
 using StoreYCbCr = StorePixels24<Order::RGB>;
 
-// Formats that store one group after the other.
-template <typename Format, int bytes>
-struct StoreGroups {
-    static constexpr int pixelBytes = bytes;
-
-    template <typename Group>
-    static void storeBeside(uint8_t* pUpper, uint8_t* pLower, const Group& left, const Group& right)
-    {
-        Format::store(pUpper, pLower, left);
-        Format::store(pUpper + 8 * bytes, pLower + 8 * bytes, right);
-    }
-    template <typename Group>
-    static void storeBelow(uint8_t* pDst, int64_t step, const Group& upper, const Group& lower)
-    {
-        Format::store(pDst, pDst + step, upper);
-        Format::store(pDst + 2 * step, pDst + 3 * step, lower);
-    }
-};
-
-// Words with blue in the lowest bits; the low bits of the channels fall away.
+// Words with blue in the lowest bits; the low bits of the channels fall away: (B + G << k) >> 3 in one multiply-add of
+// bytes and a shift, and R from the high byte.
 template <Fields fields>
-struct StoreBGR16 : StoreGroups<StoreBGR16<fields>, 2> {
-    static constexpr int green = greenBits<fields>;
+struct StoreBGR16 {
+    static constexpr int pixelBytes = 2;
     static constexpr bool hasKey = false;
+    struct alignas(32) Constants {  // in another file, as those of the arithmetics
+        std::array<uint8_t, 32> keptBlue, keptGreen, keptRed;
+        std::array<int8_t, 32> factors;  // of blue and green, in turn
+    };
+    static const Constants constants;
 
-    static void store(uint8_t* pLow, uint8_t* pHigh, const Channels& c)
+    static void storeBeside(uint8_t* pUpper, uint8_t* pLower, const Channels& left, const Channels& right)
     {
-        const __m256i red = _mm256_and_si256(_mm256_slli_epi16(clip(c.first), green + 2),
-                                             _mm256_set1_epi16(static_cast<int16_t>(0x1F << (green + 5))));
-        const __m256i greenField =
-            _mm256_and_si256(_mm256_slli_epi16(clip(c.second), green - 3), _mm256_set1_epi16(((1 << green) - 1) << 5));
-        const __m256i blue = _mm256_srli_epi16(clip(c.third), 3);
-        storeLanes(pLow, pHigh, _mm256_or_si256(_mm256_or_si256(red, greenField), blue));
+        const Words w = words(left, right);
+        storeLanes(pUpper, pLower, w.lo);
+        storeLanes(pUpper + 16, pLower + 16, w.hi);
+    }
+    static void storeBelow(uint8_t* pDst, int64_t step, const Channels& upper, const Channels& lower)
+    {
+        const Words w = words(upper, lower);
+        storeLanes(pDst, pDst + step, w.lo);
+        storeLanes(pDst + 2 * step, pDst + 3 * step, w.hi);
     }
 
 private:
-    static __m256i clip(__m256i v)
+    static Words words(const Channels& first, const Channels& second)
     {
-        return _mm256_min_epi16(_mm256_max_epi16(v, _mm256_setzero_si256()), _mm256_set1_epi16(255));
+        const __m256i factors = loadU(constants.factors.data());
+        const __m256i zero = _mm256_setzero_si256();
+        const __m256i b = kept(_mm256_packus_epi16(first.third, second.third), constants.keptBlue);
+        const __m256i g = kept(_mm256_packus_epi16(first.second, second.second), constants.keptGreen);
+        __m256i r = _mm256_packus_epi16(first.first, second.first);
+        if constexpr (fields == Fields::F555)
+            r = _mm256_srli_epi16(r, 1);  // bits of the next byte go with those that are not kept
+        r = kept(r, constants.keptRed);
+        const auto withRed = [=](__m256i bg, __m256i red) {
+            return _mm256_or_si256(_mm256_srli_epi16(_mm256_maddubs_epi16(bg, factors), 3), red);
+        };
+        return {withRed(_mm256_unpacklo_epi8(b, g), _mm256_unpacklo_epi8(zero, r)),
+                withRed(_mm256_unpackhi_epi8(b, g), _mm256_unpackhi_epi8(zero, r))};
+    }
+    static __m256i kept(__m256i bytes, const std::array<uint8_t, 32>& bits)
+    {
+        return _mm256_and_si256(bytes, loadU(bits.data()));
     }
 };
+template <>
+const StoreBGR16<Fields::F555>::Constants StoreBGR16<Fields::F555>::constants;
+template <>
+const StoreBGR16<Fields::F565>::Constants StoreBGR16<Fields::F565>::constants;
 
 // Four bytes: 255 - R, 255 - G, 255 - B and the key.
-struct StoreCMYK : StoreGroups<StoreCMYK, 4> {
+struct StoreCMYK {
+    static constexpr int pixelBytes = 4;
     static constexpr bool hasKey = true;
+    struct alignas(32) Constants {
+        std::array<uint32_t, 8> complement;
+    };
+    static const Constants constants;
 
+    static void storeBeside(uint8_t* pUpper, uint8_t* pLower, const ChannelsAndKey& left, const ChannelsAndKey& right)
+    {
+        store(pUpper, pLower, left);
+        store(pUpper + 32, pLower + 32, right);
+    }
+    static void storeBelow(uint8_t* pDst, int64_t step, const ChannelsAndKey& upper, const ChannelsAndKey& lower)
+    {
+        store(pDst, pDst + step, upper);
+        store(pDst + 2 * step, pDst + 3 * step, lower);
+    }
+
+private:
     static void store(uint8_t* pLow, uint8_t* pHigh, const ChannelsAndKey& c)
     {
         const __m256i cy = _mm256_packus_epi16(c.first, c.third);
         const __m256i mk = _mm256_packus_epi16(c.second, c.key);
         const __m256i cm = _mm256_unpacklo_epi8(cy, mk);
         const __m256i yk = _mm256_unpackhi_epi8(cy, mk);
-        const __m256i complement = _mm256_set1_epi32(0x00FFFFFF);
+        const __m256i complement = loadU(constants.complement.data());
         storeLanes(pLow, pHigh, _mm256_xor_si256(_mm256_unpacklo_epi16(cm, yk), complement));
         storeLanes(pLow + 16, pHigh + 16, _mm256_xor_si256(_mm256_unpackhi_epi16(cm, yk), complement));
     }
