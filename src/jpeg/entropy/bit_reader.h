@@ -21,7 +21,7 @@ inline int bitsOf(uint32_t buffer, int numBits, int nBits)
 
 // The value of an nBits-bit magnitude, 1 to 15 bits, with its sign (ITU T.81, EXTEND). Signs are as good as random: no
 // branch on them.
-inline int extendMagnitude(int v, int nBits)
+constexpr int extendMagnitude(int v, int nBits)
 {
     const int negative = (v >> (nBits - 1)) - 1;  // all ones if the top bit is clear, else 0
     return v + (negative & own_jc_lowest_coef[static_cast<size_t>(nBits)]);

@@ -1,38 +1,52 @@
 #include "frame/checks.h"
 #include "frame/implementations.h"
 #include "jpeg/entropy/fast_block_reader.h"
+#include "jpeg/entropy/stretch_reader.h"
 
 namespace q3 {
 namespace {
 
 constexpr int fastPathBytes = 24;  // that lie ahead when the fast path is taken
 
-VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t* pDst, int16_t* pLastDC,
-                          int* pMarker, const DecodeTables& tables, VekDecodeHuffmanState* pState)
+// The arguments, checked.
+struct Call {
+    const uint8_t* pSrc;
+    int srcLenBytes;
+    int* pSrcCurrPos;
+    int16_t* pDst;
+    int16_t* pLastDC;
+    int* pMarker;
+    DecodeTables tables;
+    VekDecodeHuffmanState* pState;
+};
+
+[[gnu::noinline]] VekStatus decodeCarefully(const Call& call)
 {
     const auto symbolBy = [&](const VekDecodeHuffmanSpec& table, int& symbol) {
-        return ownjc_DecodeHuffSymbol(pSrc, srcLenBytes, pSrcCurrPos, pMarker, &symbol, &table, pState);
+        return ownjc_DecodeHuffSymbol(call.pSrc, call.srcLenBytes, call.pSrcCurrPos, call.pMarker, &symbol, &table,
+                                      call.pState);
     };
     const auto value = [&](int size, int& v) {
-        const VekStatus status = ownjc_ReadBits(pSrc, srcLenBytes, pSrcCurrPos, pMarker, size, &v, pState);
+        const VekStatus status =
+            ownjc_ReadBits(call.pSrc, call.srcLenBytes, call.pSrcCurrPos, call.pMarker, size, &v, call.pState);
         v = extendMagnitude(v, size);
         return status;
     };
     int symbol = 0;
     int v = 0;
-    VekStatus status = symbolBy(tables.dc, symbol);
+    VekStatus status = symbolBy(call.tables.dc, symbol);
     if (status == vekStsOk && (symbol & 15) != 0)
         status = value(symbol & 15, v);
     if (status != vekStsOk) {
-        pState->endOfBlockPos = 0;
+        call.pState->endOfBlockPos = 0;
         return status;
     }
-    *pLastDC = wrappedSum(*pLastDC, v);
-    storeScalar(pDst, *pLastDC);
+    *call.pLastDC = wrappedSum(*call.pLastDC, v);
+    storeScalar(call.pDst, *call.pLastDC);
 
     int k = 1;
     while (k < 64) {
-        status = symbolBy(tables.ac, symbol);
+        status = symbolBy(call.tables.ac, symbol);
         if (status != vekStsOk)
             break;
         const int run = symbol >> 4;
@@ -51,30 +65,112 @@ VekStatus decodeCarefully(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos
         k += run;
         if (static_cast<size_t>(k) >= own_jc_izigzag_index.size())
             return vekStsJpegCoefOverrun;
-        storeScalar(pDst + own_jc_izigzag_index[static_cast<size_t>(k)], static_cast<int16_t>(v));
+        storeScalar(call.pDst + own_jc_izigzag_index[static_cast<size_t>(k)], static_cast<int16_t>(v));
         ++k;
     }
-    pState->endOfBlockPos = k;
+    call.pState->endOfBlockPos = k;
     return status;
 }
 
-// False, with nothing changed but the block, if the fast path gives up. It may then have got further than the careful
-// path does, which fails at a 0xFF at the end of the source even with bits in hand.
-bool decodeFast(const uint8_t* pSrc, int srcLenBytes, int* pSrcCurrPos, int16_t* pDst, int16_t* pLastDC,
-                const DecodeTables& tables, VekDecodeHuffmanState* pState)
+// Ends a block on the fast path.
+inline void store(const Call& call, const ReadAhead& ahead, int16_t dc, int reached)
 {
-    FastReader reader(pSrc + *pSrcCurrPos, RefillToEnd{pSrc + srcLenBytes}, pState->bitBuffer, pState->numBits);
-    int16_t dc = *pLastDC;
-    const int reached = decodeFast(reader, pDst, dc, tables);
+    *call.pSrcCurrPos = static_cast<int>(ahead.position - call.pSrc);
+    *call.pLastDC = dc;
+    call.pState->bitBuffer = ahead.bits;
+    call.pState->numBits = ahead.count;
+    call.pState->endOfBlockPos = reached;
+}
+
+// The fast path, from its start and from coefficient k on. False, with nothing changed but the block, if it gives up.
+// It may then have got further than the careful path does, which fails at a 0xFF at the end of the source even with
+// bits in hand.
+[[gnu::noinline]] bool decodeFast(const Call& call)
+{
+    FastReader reader(call.pSrc + *call.pSrcCurrPos, RefillToEnd{call.pSrc + call.srcLenBytes}, call.pState->bitBuffer,
+                      call.pState->numBits);
+    int16_t dc = *call.pLastDC;
+    const int reached = decodeFast(reader, call.pDst, dc, call.tables);
     if (reached == 0)
         return false;
-    reader.giveBackSurplus();
-    *pSrcCurrPos = static_cast<int>(reader.position() - pSrc);
-    *pLastDC = dc;
-    pState->bitBuffer = reader.bitBuffer();
-    pState->numBits = reader.numBits();
-    pState->endOfBlockPos = reached;
+    store(call, reader.readAhead(), dc, reached);
     return true;
+}
+[[gnu::noinline]] bool decodeFastFrom(int k, const StretchReader& stretch, int16_t dc, const Call& call)
+{
+    FastReader reader(stretch.position(), RefillToEnd{call.pSrc + call.srcLenBytes}, stretch.held());
+    const int reached = decodeFastAc(reader, k, call.pDst, call.tables.ac);
+    if (reached == 0)
+        return false;
+    store(call, reader.readAhead(), dc, reached);
+    return true;
+}
+
+enum class Stretch { blockEnds, ends, givenUp };
+
+// Decodes coefficients from k16 / 16 on as long as a stretch without 0xFF lasts; k16 tells then how far that was.
+[[gnu::always_inline]] inline Stretch decodeAc(StretchReader& reader, uint64_t& k16, int16_t* pDst,
+                                               const VekDecodeHuffmanSpec& table)
+{
+    while (reader.lasts()) {
+        auto [length, symbol] = reader.symbol(table);
+        if (length == 0) [[unlikely]] {
+            const StretchReader::Symbol found = reader.longSymbol(table);
+            if (found.length > 16)
+                return Stretch::givenUp;
+            length = found.length;
+            symbol = found.symbol;
+        }
+        const uint64_t size = symbol & 15;
+        int16_t v = 0;
+        if (size - 1 < mostTabledBits) {
+            v = reader.valueBehind(length, size);
+        } else {
+            reader.drop(length);
+            if (size == 0) {
+                if (symbol != 0xF0)
+                    return Stretch::blockEnds;
+                k16 += 16 * 16;
+                if (k16 >= 16 * 64)
+                    return Stretch::blockEnds;
+                continue;
+            }
+            v = static_cast<int16_t>(reader.value(size));
+        }
+        k16 += symbol - size;
+        const uint64_t place = reader.place(k16);
+        k16 += 16;
+        if (place >= 63) [[unlikely]] {
+            if (place > 63)
+                return Stretch::givenUp;
+            storeScalar(pDst + place, v);
+            return Stretch::blockEnds;
+        }
+        storeScalar(pDst + place, v);
+    }
+    return Stretch::ends;
+}
+
+// The fast path from a place behind which no 0xFF comes for a while.
+[[gnu::always_inline]] inline bool decodeStretch(StretchReader reader, const Call& call)
+{
+    const auto [length, category] = reader.symbol(call.tables.dc);
+    if (length == 0)
+        return decodeFast(call);
+    reader.drop(length);
+    const int16_t dc = wrappedSum(*call.pLastDC, reader.value(category & 15));
+    storeScalar(call.pDst, dc);
+    uint64_t k16 = 16;
+    switch (decodeAc(reader, k16, call.pDst, call.tables.ac)) {
+        case Stretch::blockEnds:
+            store(call, reader.readAhead(), dc, static_cast<int>(k16 / 16));
+            return true;
+        case Stretch::ends:
+            // A copy: the reader itself has no address and stays in registers.
+            return decodeFastFrom(static_cast<int>(k16 / 16), StretchReader(reader), dc, call);
+        default:
+            return false;
+    }
 }
 
 }  // namespace
@@ -92,15 +188,23 @@ VekStatus vekiDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int srcLenByte
     VEK_CHECK_POINTER(pDcTable);
     VEK_CHECK_POINTER(pAcTable);
     VEK_CHECK_POINTER(pDecHuffState);
-    const DecodeTables tables = {*pDcTable, *pAcTable};
+    const Call call = {pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, pMarker, {*pDcTable, *pAcTable}, pDecHuffState};
     clearBlock(pDst);
-    const bool ample = int64_t{srcLenBytes} - *pSrcCurrPos >= fastPathBytes;
-    if (*pMarker == 0 && ample && pDecHuffState->numBits >= 0 && pDecHuffState->numBits <= mostBitsBetweenBlocks) {
-        if (decodeFast(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, tables, pDecHuffState))
-            return vekStsOk;
-        clearBlock(pDst);
-    }
-    return decodeCarefully(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, pMarker, tables, pDecHuffState);
+    const int64_t bytesAhead = int64_t{srcLenBytes} - *pSrcCurrPos;
+    const int numBits = pDecHuffState->numBits;
+    if (*pMarker != 0 || bytesAhead < fastPathBytes || numBits < 0 || numBits > mostBitsBetweenBlocks)
+        return decodeCarefully(call);
+
+    const uint8_t* const p = pSrc + *pSrcCurrPos;
+    const uint64_t bytesWithoutFF =
+        bytesAhead >= bytesLookedAt && numBits >= StretchReader::fewestBits ? bytesBeforeFF(p) : 0;
+    const bool done = bytesWithoutFF > StretchReader::mostBytesTouched
+                          ? decodeStretch({p, bytesWithoutFF, pDecHuffState->bitBuffer, numBits}, call)
+                          : decodeFast(call);
+    if (done)
+        return vekStsOk;
+    clearBlock(pDst);
+    return decodeCarefully(call);
 }
 
 }  // namespace q3

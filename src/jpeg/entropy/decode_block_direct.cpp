@@ -156,10 +156,11 @@ bool decodeFast(const uint8_t* pSrc, int* pSrcBitsLen, int16_t* pDst, int16_t* p
     int16_t dc = *pLastDC;
     if (decodeFast(reader, pDst, dc, tables) == 0)
         return false;
-    *pSrcBitsLen = static_cast<int>((reader.position() - pSrc) * 8);
+    const ReadAhead ahead = reader.readAhead();
+    *pSrcBitsLen = static_cast<int>((ahead.position - pSrc) * 8);
     *pLastDC = dc;
-    *pPrefetchedBits = static_cast<uint32_t>(reader.bitBuffer());
-    *pNumValidPrefetchedBits = reader.numBits();
+    *pPrefetchedBits = static_cast<uint32_t>(ahead.bits);
+    *pNumValidPrefetchedBits = ahead.count;
     return true;
 }
 

@@ -25,26 +25,15 @@ inline int16_t wrappedSum(int16_t a, int b)
     return static_cast<int16_t>(static_cast<uint16_t>(a) + static_cast<unsigned>(b));
 }
 
-// Decodes into a cleared block and adds to `dc`. Returns the zig-zag position reached, or 0 where the reader gives up
-// and at a run beyond the block: the block is then unfinished, and to be decoded anew by the careful path.
+// Decodes the coefficients from k on. Returns as decodeFast does.
 template <typename Refill>
-[[gnu::always_inline]] inline int decodeFast(FastReader<Refill>& reader, int16_t* pDst, int16_t& dc,
-                                             const DecodeTables& tables)
+[[gnu::always_inline]] inline int decodeFastAc(FastReader<Refill>& reader, int k, int16_t* pDst,
+                                               const VekDecodeHuffmanSpec& table)
 {
     uint32_t entry = 0;
     int v = 0;
-    if (!reader.symbol(tables.dc, entry))
-        return 0;
-    reader.drop(codeLength(entry));
-    if (sizeOf(entry) != 0) {
-        if (!reader.value(sizeOf(entry), v))
-            return 0;
-        dc = wrappedSum(dc, v);
-    }
-    storeScalar(pDst, dc);
-    int k = 1;
     do {
-        if (!reader.symbol(tables.ac, entry))
+        if (!reader.symbol(table, entry))
             return 0;
         reader.drop(codeLength(entry));
         if (sizeOf(entry) == 0) [[unlikely]] {
@@ -62,6 +51,25 @@ template <typename Refill>
     return k;
 }
 
+// Decodes into a cleared block and adds to `dc`. Returns the zig-zag position reached, or 0 where the reader gives up
+// and at a run beyond the block: the block is then unfinished, and to be decoded anew by the careful path.
+template <typename Refill>
+[[gnu::always_inline]] inline int decodeFast(FastReader<Refill>& reader, int16_t* pDst, int16_t& dc,
+                                             const DecodeTables& tables)
+{
+    uint32_t entry = 0;
+    int v = 0;
+    if (!reader.symbol(tables.dc, entry))
+        return 0;
+    reader.drop(codeLength(entry));
+    if (sizeOf(entry) != 0) {
+        if (!reader.value(sizeOf(entry), v))
+            return 0;
+        dc = wrappedSum(dc, v);
+    }
+    storeScalar(pDst, dc);
+    return decodeFastAc(reader, 1, pDst, tables.ac);
+}
 }  // namespace q3
 
 #endif

@@ -19,6 +19,13 @@ struct Accumulator {
     int count;
 };
 
+// What a block leaves for the next: `count` bits, the newest being bit 0, that are ahead of the bytes at `position`.
+struct ReadAhead {
+    uint64_t bits;
+    int count;
+    const uint8_t* position;
+};
+
 // Bytes one by one, without their stuffing, until there are more than 24 bits. False at a marker.
 inline bool refillBytewise(const uint8_t*& p, Accumulator& held)
 {
@@ -84,6 +91,8 @@ public:
     {
     }
 
+    FastReader(const uint8_t* p, Refill refill, Accumulator held) : p_(p), refill_(refill), held_(held) {}
+
     // The entry of the next symbol, also of one with a longer code than entries are stored for.
     bool symbol(const VekDecodeHuffmanSpec& table, uint32_t& entry)
     {
@@ -113,19 +122,13 @@ public:
         held_.count -= n;
     }
 
-    // Gives the newest whole bytes above 32 bits back to the stream.
-    void giveBackSurplus()
+    // Behind a block: the newest whole bytes above 32 bits go back to the stream.
+    ReadAhead readAhead() const
     {
-        if (held_.count < 32)
-            return;
-        const int surplus = ((held_.count + 7) & ~7) - 32;
-        p_ -= surplus / 8;
-        held_.count -= surplus;
+        const int surplus = held_.count < 32 ? 0 : ((held_.count + 7) & ~7) - 32;
+        const int count = held_.count - surplus;
+        return {count == 0 ? 0 : held_.bits >> (64 - count), count, p_ - surplus / 8};
     }
-
-    const uint8_t* position() const { return p_; }  // behind the bits held
-    int numBits() const { return held_.count; }
-    uint64_t bitBuffer() const { return held_.count == 0 ? 0 : held_.bits >> (64 - held_.count); }
 
 private:
     bool longSymbol(const VekDecodeHuffmanSpec& table, uint32_t& entry)

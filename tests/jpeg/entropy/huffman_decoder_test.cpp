@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 #include "huffman_fixtures.h"
 #include "support/guarded_buffer.h"
+#include "support/sanitizers.h"
 
 namespace {
 
@@ -125,7 +127,7 @@ TEST(HuffmanDecoder, EqualsItsModelOnStreamsOfEveryLength)
     Random random(2);
     const Tables tables = annexK();
     std::vector<Block> blocks;
-    for (int i = 0; i < 6; ++i) blocks.push_back(huffman::randomBlock(random, 1));
+    for (int i = 0; i < 6; ++i) blocks.push_back(huffman::randomBlock(random, 1 + i % 2));
     const std::vector<uint8_t> bytes = streamOf(blocks, tables);
     for (size_t length = 1; length <= bytes.size(); ++length) {
         TwoReaders readers(tables, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)});
@@ -153,6 +155,29 @@ TEST(HuffmanDecoder, EqualsItsModelWithAMarkerAtEveryPlace)
                 ASSERT_FALSE(HasFailure()) << at;
             }
         }
+}
+
+TEST(HuffmanDecoder, EqualsItsModelWithAStuffedByteAtEveryDistance)
+{
+    Random random(4);
+    const Tables usual = annexK();
+    // A complete code without an end of block: long blocks.
+    const Tables dense(huffman::luminanceDc(), huffman::lists({0, 0, 0, 16}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 15, 0x16,
+                                                                              0x28, 0x45, 0x07, 0x08}));
+    int blocks = 0;
+    for (size_t distance = 0; distance < 100; ++distance)
+        for (int round = 0; round < (support::underSanitizer ? 20 : 200); ++round) {
+            std::vector<uint8_t> bytes(random.in<size_t>(distance, 160));
+            for (uint8_t& b : bytes) b = random.any<uint8_t>() & 0xFE;  // no 0xFF
+            const uint8_t second = random.chance(20) ? 0xD9 : 0;
+            if (random.chance(75))
+                bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(distance), {0xFF, second});
+            TwoReaders readers(round % 2 == 0 ? usual : dense, bytes);
+            readers.hold(random.any<uint64_t>(), random.in(0, 32));
+            while (readers.decode() == vekStsOk) ++blocks;
+            ASSERT_FALSE(HasFailure()) << distance;
+        }
+    EXPECT_LT(1000, blocks);
 }
 
 TEST(HuffmanDecoder, EqualsItsModelOnDamagedStreamsAndAnyTable)
