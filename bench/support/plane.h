@@ -2,6 +2,7 @@
 #ifndef VEK_BENCH_SUPPORT_PLANE_H
 #define VEK_BENCH_SUPPORT_PLANE_H
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -13,15 +14,18 @@ struct FreeDeleter {
     void operator()(void* p) const { std::free(p); }
 };
 
-// `count` elements at a 64-byte boundary, filled with noise of the given seed.
+// `count` elements at a 64-byte boundary, filled with noise of the given seed, which repeats itself after 65536.
 template <typename T>
 class AlignedArray {
 public:
     explicit AlignedArray(size_t count, uint64_t seed = 1)
         : data_(static_cast<T*>(std::aligned_alloc(64, (count * sizeof(T) + 63) / 64 * 64))), count_(count)
     {
+        constexpr size_t period = 65536;
         uint64_t state = seed;
-        for (size_t i = 0; i < count; ++i) data_.get()[i] = static_cast<T>(next(state));
+        for (size_t i = 0; i < std::min(count, period); ++i) data_.get()[i] = static_cast<T>(next(state));
+        for (size_t i = period; i < count; i += period)
+            std::copy_n(data_.get(), std::min(period, count - i), data_.get() + i);
     }
 
     T* data() { return data_.get(); }
@@ -29,7 +33,7 @@ public:
     size_t size() const { return count_; }
 
 private:
-    // SplitMix64: quicker than the functions that are to be timed.
+    // SplitMix64
     static uint64_t next(uint64_t& state)
     {
         uint64_t z = state += 0x9E3779B97F4A7C15;
