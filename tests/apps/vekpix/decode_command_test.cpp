@@ -1,6 +1,8 @@
 // The commands `vekpix decode` and `vekpix info` as a user runs them, on files of the packaged JPEG tools.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <string>
@@ -151,6 +153,29 @@ TEST_F(DecodeCommand, InfoTellsMarkersAndTables)
     EXPECT_EQ(0, outcome.status);
     for (const char* words : {"SOF0", "61 x 45", "restart interval of 4", "quantisation table 1", "AC table 0"})
         EXPECT_NE(std::string::npos, outcome.output.find(words)) << outcome.output;
+}
+
+TEST_F(DecodeCommand, OutputThatTakesNothingIsAFailureInOneLine)
+{
+    const std::string full = ">/dev/full";
+    const std::string nobodyReads = "3<>\"$0\" 4>\"$0\" 3<&- >&4";
+    save("in.jpg", peer::write(peer::draw(61, 45, 3, Scene::Soft), {}));
+    ASSERT_EQ(0, mkfifo(path("pipe.ppm").c_str(), 0600));
+    const auto redirected = [&](const std::string& where, const std::vector<std::string>& arguments) {
+        std::vector<std::string> shell = {"sh", "-c", "\"$@\" " + where, path("pipe.ppm"), VEKPIX_PROGRAM};
+        shell.insert(shell.end(), arguments.begin(), arguments.end());
+        return run(shell);
+    };
+    for (const std::string& where : {full, nobodyReads})
+        for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+                 {"info", path("in.jpg")}, {"compare", path("in.jpg"), path("in.jpg")}, {"--help"}}) {
+            const Outcome outcome = redirected(where, arguments);
+            EXPECT_EQ(1, outcome.status) << where << ' ' << arguments[0];
+            EXPECT_EQ("vekpix: cannot write to standard output\n", outcome.errors) << where << ' ' << arguments[0];
+        }
+    fs::create_symlink("/dev/stdout", path("stdout.ppm"));
+    EXPECT_EQ("vekpix: cannot write " + path("stdout.ppm") + ": No space left on device\n",
+              redirected(full, {"decode", path("in.jpg"), path("stdout.ppm")}).errors);
 }
 
 TEST_F(DecodeCommand, PeakMemoryStaysBelowTheRawPictureAnd64Mebibytes)
