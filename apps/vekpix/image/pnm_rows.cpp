@@ -30,9 +30,9 @@ public:
         if (depth == SampleDepth::AsStored)
             shape_.bits = std::max(8, static_cast<int>(std::bit_width(static_cast<unsigned>(maxValue_))));
         samplesBegin_ = file_.position();
-        if (!plain_ && file_.size() && samplesBegin_) {
+        if (file_.size() && samplesBegin_) {
             const uint64_t left = *file_.size() - static_cast<uint64_t>(*samplesBegin_);
-            if (left < fileRowBytes() * static_cast<uint64_t>(height()))
+            if (left < leastFileBytes())
                 failShort();
         }
     }
@@ -145,7 +145,12 @@ private:
              (tupleType.empty() ? "" : " and type " + tupleType) + " are not supported");
     }
 
-    uint64_t fileRowBytes() const { return uint64_t{shape_.rowSamples()} * (maxValue_ > 255 ? 2 : 1); }
+    // What the samples take in the file: of plain ones a digit each, and white space between them.
+    uint64_t leastFileBytes() const
+    {
+        const uint64_t samples = uint64_t{shape_.rowSamples()} * static_cast<uint64_t>(height());
+        return plain_ ? 2 * samples - 1 : samples * (maxValue_ > 255 ? 2 : 1);
+    }
 
     void readBytes(std::span<uint8_t> bytes)
     {

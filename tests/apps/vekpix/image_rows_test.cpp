@@ -278,6 +278,16 @@ TEST_F(ImageRows, DamagedPnmFilesAreErrors)
     }
 }
 
+TEST_F(ImageRows, APlainFileTooShortForItsSizeIsRefusedBeforeMemoryIsTakenForIt)
+{
+    save("a.pgm", std::string("P2 2 2 255\n1 2 3 4"));
+    EXPECT_NO_THROW(vekpix::openPicture(path("a.pgm")));
+    for (const std::string text : {"P2 2 2 255\n1 2 3 ", "P3 16777216 16777216 255\n1 2 3"}) {
+        save("a.pgm", text);
+        EXPECT_THROW(vekpix::openPicture(path("a.pgm")), vekpix::Error) << text;
+    }
+}
+
 TEST_F(ImageRows, SixteenBitPngIsRoundedToEight)
 {
     writePng(path("a.png"), {3, 1, 16, PNG_COLOR_TYPE_GRAY}, {0x80, 0x00, 0x7F, 0xFF, 0x12, 0xF0});
