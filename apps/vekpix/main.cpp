@@ -1,10 +1,12 @@
 // vekpix: codes and decodes pictures by the library's functions. The folders: commands (the command line), image (PNG
 // and PNM pictures), io (files), work (threads), and one for each coded format.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <iostream>
 #include <new>
+#include <string>
 
 #include "commands/commands.h"
 #include "error.h"
@@ -17,6 +19,15 @@ void finishStandardOutput()
     std::cout.flush();
     if (std::fflush(stdout) != 0 || std::ferror(stdout))
         throw vekpix::Error("cannot write to standard output");
+}
+
+// Names and damaged files may bring any characters into a message: it is one line all the same, and safe to show.
+int fail(std::string message)
+{
+    std::ranges::replace_if(
+        message, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+    std::fprintf(stderr, "vekpix: %s\n", message.c_str());
+    return 1;
 }
 
 }  // namespace
@@ -40,11 +51,10 @@ int main(int argc, char** argv)
         finishStandardOutput();
         return 0;
     } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "vekpix: %s (vekpix --help tells the usage)\n", error.what());
+        return fail(std::string(error.what()) + " (vekpix --help tells the usage)");
     } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "vekpix: not enough memory\n");
+        return fail("not enough memory");
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "vekpix: %s\n", error.what());
+        return fail(error.what());
     }
-    return 1;
 }

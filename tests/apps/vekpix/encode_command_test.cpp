@@ -90,6 +90,14 @@ TEST_F(EncodeCommand, WrongOptionsAreToldInOneLine)
     failure({});
 }
 
+TEST_F(EncodeCommand, MessagesAreOneLineWhateverNamesAndFilesHold)
+{
+    EXPECT_TRUE(contains(failure({"encode", path("new\nline\x1B[2J.ppm"), path("out.jpg")}), "new?line?[2J.ppm"));
+    EXPECT_TRUE(contains(failure({"encode", "in.ppm", "out.jpg", "--sampling", "4\n4"}), "4?4"));
+    save("in.pam", std::string("P7\nWIDTH 1\nHEIGHT 1\nDEPTH 9\nMAXVAL 255\nTUPLTYPE \x1B\x7F\nENDHDR\n123456789"));
+    EXPECT_TRUE(contains(failure({"encode", path("in.pam"), path("out.jpg")}), "type ??"));
+}
+
 TEST_F(EncodeCommand, WrongFilesAreToldInOneLineAndLeaveNothing)
 {
     save("cut.ppm", std::string("P6 10 10 255\nabc"));
