@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 
 #include "error.h"
@@ -39,6 +40,8 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path))
     if (exists && !S_ISREG(status.st_mode)) {
         file_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
     } else {
+        if (exists)
+            path_ = std::filesystem::canonical(path_);  // a link stays, and what it leads to is replaced
         temporary_ = path_ + ".XXXXXX";
         file_ = mkostemp(temporary_.data(), O_CLOEXEC);
         if (file_ >= 0)

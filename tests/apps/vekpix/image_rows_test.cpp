@@ -441,6 +441,18 @@ TEST_F(ImageRows, AnOutputFileAppearsWhenItIsComplete)
     EXPECT_EQ(1, std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
 }
 
+TEST_F(ImageRows, AnOutputFileReplacesWhatALinkLeadsTo)
+{
+    fs::create_directory(path("folder"));
+    save("folder/a.bin", std::string("old"));
+    fs::create_symlink("folder/a.bin", path("link.bin"));
+    vekpix::OutputFile file(path("link.bin"));
+    file.write(Bytes{'n', 'e', 'w'});
+    file.commit();
+    EXPECT_TRUE(fs::is_symlink(path("link.bin")));
+    EXPECT_EQ("new", contents("folder/a.bin"));
+}
+
 TEST_F(ImageRows, AnOutputFileNeedsItsFolderAndMayBeADevice)
 {
     EXPECT_THROW(vekpix::OutputFile(path("missing/a.bin")), Error);
