@@ -14,7 +14,11 @@ struct Progress::Bar {
 
 Progress::Progress(int64_t steps) : steps_(steps), watched_(isatty(STDERR_FILENO) == 1) {}
 
-Progress::~Progress() = default;
+Progress::~Progress()
+{
+    if (bar_ && bar_->display.count() < bar_->display.expected_count())
+        std::cerr << std::endl;  // what stopped the work is told in a line of its own
+}
 
 void Progress::advance(int64_t steps)
 {
