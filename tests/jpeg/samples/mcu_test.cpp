@@ -1,9 +1,13 @@
 // Every MCU conversion against its model: nominal and extreme samples, planes and pixels at any address, steps with
 // gaps.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -210,6 +214,49 @@ private:
     GuardedBytes memory_;
 };
 
+// Rows as far apart as a step can tell. Nothing between them is mapped but the rest of their pages.
+class DistantRows {
+public:
+    static constexpr int step = std::numeric_limits<int>::max();
+
+    explicit DistantRows(const Mcu& mcu)
+        : rowBytes_(static_cast<size_t>(mcu.width() * mcu.pixelBytes())), height_(static_cast<size_t>(mcu.height()))
+    {
+        void* map = mmap(nullptr, mappedSize(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (map == MAP_FAILED)
+            std::abort();
+        rows_ = static_cast<uint8_t*>(map);
+        for (size_t y = 0; y < height_; ++y) {
+            const size_t begin = y * step / page() * page();
+            if (mprotect(rows_ + begin, y * step + rowBytes_ - begin, PROT_READ | PROT_WRITE) != 0)
+                std::abort();
+        }
+    }
+    ~DistantRows() { munmap(rows_, mappedSize()); }
+    DistantRows(const DistantRows&) = delete;
+    DistantRows& operator=(const DistantRows&) = delete;
+
+    uint8_t* data() { return rows_; }
+    void set(const std::vector<uint8_t>& bytes)
+    {
+        for (size_t y = 0; y < height_; ++y) std::memcpy(rows_ + y * step, bytes.data() + y * rowBytes_, rowBytes_);
+    }
+    std::vector<uint8_t> get() const
+    {
+        std::vector<uint8_t> bytes(rowBytes_ * height_);
+        for (size_t y = 0; y < height_; ++y) std::memcpy(bytes.data() + y * rowBytes_, rows_ + y * step, rowBytes_);
+        return bytes;
+    }
+
+private:
+    static size_t page() { return static_cast<size_t>(sysconf(_SC_PAGESIZE)); }
+    size_t mappedSize() const { return (height_ - 1) * step + page(); }
+
+    size_t rowBytes_;
+    size_t height_;
+    uint8_t* rows_;
+};
+
 McuPlanes randomPlanes(const Mcu& mcu, Random& random, int kind)
 {
     McuPlanes planes;
@@ -246,6 +293,21 @@ std::vector<std::array<size_t, 4>> planeAddresses()
     return list;
 }
 
+// The first value from `from` on with which the sum of products for green lies next to where its result steps:
+// block forms round it after 14 bits, the other one cuts it after 16. If there is none, any value.
+int16_t redDifferenceAtAStep(int64_t blueDifference, int16_t from, bool blockForm)
+{
+    const int64_t steps = blockForm ? 1 << 14 : 1 << 16;
+    int16_t v = from;
+    for (int64_t i = 0; i < steps; ++i, v = static_cast<int16_t>(v + 1)) {
+        const int64_t sum =
+            blockForm ? 5638 * blueDifference + 11700 * v + steps / 2 : 22554 * blueDifference + 46802 * v;
+        if (((sum + 2) & (steps - 1)) <= 4)
+            break;
+    }
+    return v;
+}
+
 class McuDecode : public testing::TestWithParam<Member<Decode>> {};
 
 TEST_P(McuDecode, EqualsItsModelAtEveryAlignmentOfThePlanes)
@@ -263,6 +325,46 @@ TEST_P(McuDecode, EqualsItsModelAtEveryAlignmentOfThePlanes)
             ASSERT_TRUE(pixels.gapsUntouched());
             ASSERT_EQ(values, planes.get());
         }
+}
+
+// Far beyond the nominal range most channels are clipped. Here the luma of each pixel brings one of them back.
+TEST_P(McuDecode, EqualsItsModelToTheLastUnitOfAnyChroma)
+{
+    const auto& [name, mcu, function] = GetParam();
+    Random random(4);
+    for (const size_t distance : {0, 2})
+        for (int round = 0; round < 4; ++round) {
+            McuPlanes values = randomPlanes(mcu, random, 2);
+            auto& [luma, cb, cr, key] = values;
+            for (size_t i = 0; i < 64; ++i) {
+                cb[i] = random.any<int16_t>();
+                cr[i] = redDifferenceAtAStep(cb[i], random.any<int16_t>(), distance == 0);
+            }
+            for (int y = 0; y < mcu.height(); ++y)
+                for (int x = 0; x < mcu.width(); ++x) {
+                    const size_t i = mcu.chromaIndex(x, y);
+                    const double terms[] = {1.402 * cr[i], -0.34414 * cb[i] - 0.71414 * cr[i], 1.772 * cb[i]};
+                    luma[mcu.lumaIndex(x, y)] =
+                        static_cast<int16_t>(random.in(-128, 127) - std::lround(terms[random.in(0, 2)]));
+                }
+            Planes planes(mcu, {distance, distance, distance, distance});
+            planes.set(values);
+            PixelRows pixels(mcu, 0);
+            ASSERT_EQ(vekStsOk, function(planes.pointers(), pixels.data(), pixels.step()));
+            ASSERT_EQ(mcu.decode(values, planes.aligned()), pixels.get()) << distance;
+        }
+}
+
+TEST_P(McuDecode, RowsMayLieAsFarApartAsAStepCanTell)
+{
+    const auto& [name, mcu, function] = GetParam();
+    Random random(5);
+    Planes planes(mcu, {});
+    const McuPlanes values = randomPlanes(mcu, random, 0);
+    planes.set(values);
+    DistantRows rows(mcu);
+    ASSERT_EQ(vekStsOk, function(planes.pointers(), rows.data(), rows.step));
+    EXPECT_EQ(mcu.decode(values, planes.aligned()), rows.get());
 }
 
 TEST_P(McuDecode, TestsPlanesBeforeTheStep)
@@ -303,6 +405,18 @@ TEST_P(McuEncode, EqualsItsModelAtEveryAlignmentOfThePlanes)
             ASSERT_EQ(bytes, pixels.get());
             ASSERT_TRUE(pixels.gapsUntouched());
         }
+}
+
+TEST_P(McuEncode, RowsMayLieAsFarApartAsAStepCanTell)
+{
+    const auto& [name, mcu, function] = GetParam();
+    Random random(6);
+    Planes planes(mcu, {});
+    const std::vector<uint8_t> bytes = randomPixels(mcu, random);
+    DistantRows rows(mcu);
+    rows.set(bytes);
+    ASSERT_EQ(vekStsOk, function(rows.data(), rows.step, planes.pointers()));
+    EXPECT_EQ(mcu.encode(bytes, planes.aligned()), planes.get());
 }
 
 TEST_P(McuEncode, TestsTheStepBeforePlanes)
