@@ -84,6 +84,15 @@ private:
     Block block_{};
 };
 
+// Bits as bytes, the last filled up with zeros, and `behind` bytes of zeros.
+std::vector<uint8_t> bytesOf(const std::string& bits, size_t behind = 0)
+{
+    std::vector<uint8_t> bytes((bits.size() + 7) / 8 + behind);
+    for (size_t i = 0; i < bits.size(); ++i)
+        bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
+    return bytes;
+}
+
 TEST(HuffmanDecoder, ReportsItsStatesSizeAndInitialisesIt)
 {
     int size = 0;
@@ -336,18 +345,58 @@ TEST(HuffmanDecoder, SixteenZerosThatReachTheEndEndTheBlock)
     EXPECT_EQ(65, readers.state().endOfBlockPos);
 }
 
+// On every path: what is taken goes by the bytes ahead and, in the first block, by no bits being in hand.
+TEST(HuffmanDecoder, SixteenZerosThatJustReachTheEndOrPassItEndTheBlock)
+{
+    const Tables tables(huffman::lists({1}, {0}), huffman::lists({0, 2}, {0x01, 0xF0}));
+    for (int before = 47; before < 63; ++before) {
+        std::string block = "0";
+        for (int i = 0; i < before; ++i) block += "001";
+        block += "01";
+        for (const size_t behind : {size_t{0}, size_t{30}, size_t{100}}) {
+            TwoReaders readers(tables, bytesOf(block + block + block, behind));
+            for (int i = 0; i < 3; ++i) {
+                ASSERT_EQ(vekStsOk, readers.decode());
+                ASSERT_EQ(1 + before + 16, readers.state().endOfBlockPos);
+            }
+            ASSERT_FALSE(HasFailure()) << before << ", " << behind;
+        }
+    }
+}
+
+// The same comes of many bytes ahead as of few, where there is no other path.
+TEST(HuffmanDecoder, ANumberOfBitsThatNoBlockLeavesTakesTheCarefulPath)
+{
+    const Tables tables(huffman::lists({2}, {0, 5}), huffman::lists({2}, {0, 0}));
+    for (const int numBits : {-100, -9, -8, -1, 33, 40, 64, 65, 1000}) {
+        VekDecodeHuffmanState states[2];
+        Block blocks[2];
+        int positions[2] = {};
+        for (const size_t many : {0, 1}) {
+            GuardedArray<uint8_t> bytes(many == 0 ? 23 : 100);
+            for (uint8_t& b : bytes) b = 0xAA;
+            states[many] = {~uint64_t{0}, numBits, 0, 0};
+            int16_t dc = 0;
+            int marker = 0;
+            EXPECT_EQ(vekStsOk, vekiDecodeHuffman8x8_JPEG_1u16s_C1(bytes.data(), static_cast<int>(bytes.size()),
+                                                                   &positions[many], blocks[many].data(), &dc, &marker,
+                                                                   &tables.decodeDc, &tables.decodeAc, &states[many]));
+        }
+        EXPECT_EQ(blocks[0], blocks[1]) << numBits;
+        EXPECT_EQ(positions[0], positions[1]) << numBits;
+        EXPECT_EQ(states[0].numBits, states[1].numBits) << numBits;
+        EXPECT_EQ(states[0].endOfBlockPos, states[1].endOfBlockPos) << numBits;
+    }
+}
+
 TEST(HuffmanDecoder, ARunThatOvershootsALittleLandsOnTheLastCoefficient)
 {
     // 49 single steps, then a run of 15 from position 50.
     const Tables tables(huffman::lists({1}, {0}), huffman::lists({0, 2}, {0x01, 0xF1}));
-    std::vector<Block> none;
     std::string bits = "0";
     for (int i = 0; i < 49; ++i) bits += "001";
     bits += "011";
-    std::vector<uint8_t> bytes((bits.size() + 7) / 8);
-    for (size_t i = 0; i < bits.size(); ++i)
-        bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
-    TwoReaders readers(tables, bytes);
+    TwoReaders readers(tables, bytesOf(bits));
     EXPECT_EQ(vekStsOk, readers.decode());
     EXPECT_EQ(1, readers.block()[63]);
     EXPECT_EQ(66, readers.state().endOfBlockPos);
@@ -359,10 +408,7 @@ TEST(HuffmanDecoder, ARunBeyondTheGuardsIsACoefficientOverrun)
     std::string bits = "0";
     for (int i = 0; i < 60; ++i) bits += "001";
     bits += "011";
-    std::vector<uint8_t> bytes((bits.size() + 7) / 8 + 30);
-    for (size_t i = 0; i < bits.size(); ++i)
-        bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
-    TwoReaders readers(tables, bytes);
+    TwoReaders readers(tables, bytesOf(bits, 30));
     EXPECT_EQ(vekStsJpegCoefOverrun, readers.decode());
 }
 
