@@ -4,7 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -31,6 +34,27 @@ mode_t permissionsOfNewFiles()
     return 0666 & ~mask;
 }
 
+// The temporary file that was made last. It goes when a signal ends the program; once it has its own name, or is
+// removed, there is none.
+std::array<char, PATH_MAX> unfinished{};
+
+void removeUnfinished(int signal)
+{
+    unlink(unfinished.data());
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void removeWhenInterrupted(const std::string& temporary)
+{
+    if (temporary.size() >= unfinished.size())
+        return;
+    std::strcpy(unfinished.data(), temporary.c_str());
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM})
+        if (std::signal(signal, removeUnfinished) == SIG_IGN)
+            std::signal(signal, SIG_IGN);  // as a shell wants it of programs in the background
+}
+
 }  // namespace
 
 OutputFile::OutputFile(std::string path) : path_(std::move(path))
@@ -44,8 +68,10 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path))
             path_ = std::filesystem::canonical(path_);  // a link stays, and what it leads to is replaced
         temporary_ = path_ + ".XXXXXX";
         file_ = mkostemp(temporary_.data(), O_CLOEXEC);
-        if (file_ >= 0)
+        if (file_ >= 0) {
+            removeWhenInterrupted(temporary_);
             fchmod(file_, exists ? status.st_mode & 0777 : permissionsOfNewFiles());
+        }
     }
     if (file_ < 0)
         failTo("write", path_);

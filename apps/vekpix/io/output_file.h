@@ -8,8 +8,9 @@
 
 namespace vekpix {
 
-// Writes beside `path` and moves the file there in commit(); without commit() nothing is left behind, and what was at
-// `path` stays. A `path` that is no regular file (a pipe, a device) is written to directly.
+// Writes beside `path` and moves the file there in commit(); without commit(), and when a signal ends the program,
+// nothing is left behind, and what was at `path` stays. A `path` that is no regular file (a pipe, a device) is written
+// to directly.
 class OutputFile : public ChangeableSink {
 public:
     explicit OutputFile(std::string path);

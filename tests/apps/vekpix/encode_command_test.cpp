@@ -1,8 +1,13 @@
 // The commands `vekpix encode` and `vekpix compare` as a user runs them, beside the packaged JPEG tools.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <string>
+#include <thread>
 
 #include "command_support.h"
 #include "jpeg_peer.h"
@@ -112,6 +117,32 @@ TEST_F(EncodeCommand, WrongFilesAreToldInOneLineAndLeaveNothing)
     EXPECT_TRUE(contains(failure({"encode", path("in.ppm"), path("missing/out.jpg")}), "missing/out.jpg"));
     EXPECT_TRUE(contains(failure({"encode", path("in.gif"), path("out.jpg")}), "in.gif"));
     EXPECT_EQ(before, std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+}
+
+TEST_F(EncodeCommand, ASignalEndsTheProgramAndNothingIsLeftBehind)
+{
+    ASSERT_EQ(0, mkfifo(path("in.ppm").c_str(), 0600));
+    const auto files = [&] { return std::distance(fs::directory_iterator(folder_), fs::directory_iterator()); };
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        const int rows = open(path("in.ppm").c_str(), O_RDWR | O_CLOEXEC);
+        ASSERT_EQ(13, write(rows, "P6 64 64 255\n", 13));  // and no pixels: the program waits for them
+        const pid_t child = fork();
+        if (child == 0) {
+            std::signal(signal, SIG_DFL);
+            execl(VEKPIX_PROGRAM, VEKPIX_PROGRAM, "encode", path("in.ppm").c_str(), path("out.jpg").c_str(), nullptr);
+            _exit(127);
+        }
+        for (int wait = 0; wait < 10000 && files() < 2; ++wait)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_EQ(2, files()) << "the picture and the unfinished file";
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        kill(child, signal);
+        int status = 0;
+        EXPECT_EQ(child, waitpid(child, &status, 0));
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+        EXPECT_EQ(1, files());
+        close(rows);
+    }
 }
 
 TEST_F(EncodeCommand, PeakMemoryStaysBelowTheRawPictureAnd64Mebibytes)
