@@ -54,8 +54,8 @@ psnr() { "$vekpix" compare "$1" "$2" | awk '/PSNR/ {value = $3} END {print value
 rate() { awk -v pixels="$1" -v ms="$2" 'BEGIN {printf "%.1f", pixels / 1000 / (ms > 0 ? ms : 1)}'; }
 pixels_of() { python3 scripts/tile_ppm.py --pixels "$1"; }
 
-printf '%-28s %10s | %8s %8s | %10s %10s\n' '' '' 'PSNR, dB' '' 'megapixels per second' ''
-printf '%-28s %10s | %8s %8s | %10s %10s\n' 'file' 'bytes' 'vekpix' 'peer' 'encode' 'decode'
+printf '%-32s %10s | %8s %8s | %10s %10s\n' '' '' 'PSNR, dB' '' 'megapixels per second' ''
+printf '%-32s %10s | %8s %8s | %10s %10s\n' 'file' 'bytes' 'vekpix' 'peer' 'encode' 'decode'
 # row PICTURE FILE OPTION...
 row() {
   local picture=$1 file=$demo/$2 name=${2%.*} encode_ms decode_ms pixels
@@ -69,7 +69,7 @@ row() {
     *.jp2) opj_decompress -i "$file" -o "$demo/$name.peer.ppm" &>/dev/null ;;
   esac
   pixels=$(pixels_of "$demo/$name.vekpix.ppm")
-  printf '%-28s %10d | %8s %8s | %10s %10s\n' "${file##*/}" "$(stat -c %s "$file")" \
+  printf '%-32s %10d | %8s %8s | %10s %10s\n' "${file##*/}" "$(stat -c %s "$file")" \
     "$(psnr "$picture" "$demo/$name.vekpix.ppm")" "$(psnr "$picture" "$demo/$name.peer.ppm")" \
     "$(rate "$pixels" "$encode_ms")" "$(rate "$pixels" "$decode_ms")"
 }
