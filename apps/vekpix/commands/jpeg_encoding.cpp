@@ -41,9 +41,10 @@ void JpegEncoding::addOptions(CLI::Option_group& group, CLI::Option* lossless)
     group.add_option("--quality", options_.quality, "1 (smallest file) to 100 (best picture)")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
-    group.add_option("--sampling", sampling_, "chroma samples: 444 all, 422 half, 420 a quarter")
-        ->check(CLI::IsMember({"444", "422", "420"}))
-        ->capture_default_str();
+    CLI::Option* const sampling =
+        group.add_option("--sampling", sampling_, "chroma samples: 444 all, 422 half, 420 a quarter")
+            ->check(CLI::IsMember({"444", "422", "420"}))
+            ->capture_default_str();
     group
         .add_option("--downsampling", downsampling_,
                     "how 422 and 420 average chroma: blocks from exact values, rows from bytes as other encoders do")
@@ -68,8 +69,8 @@ void JpegEncoding::addOptions(CLI::Option_group& group, CLI::Option* lossless)
     group.add_flag("--progressive", options_.progressive, "codes in many scans, from coarse to fine");
     group.add_option("--scans", scans_, "text file that tells the scans to write");
     group.add_flag("--gray,--grey", options_.grey, "codes the luminance only");
-    group.add_flag("!--no-transform", options_.colourTransform,
-                   "codes RGB or CMYK as they are, not as YCbCr or YCCK; takes no --sampling");
+    group.add_flag("!--no-transform", options_.colourTransform, "codes RGB or CMYK as they are, not as YCbCr or YCCK")
+        ->excludes(sampling);
 }
 
 // A lossless file has the bits of the picture unless others are asked for.

@@ -89,6 +89,7 @@ TEST_F(EncodeCommand, WrongOptionsAreToldInOneLine)
     EXPECT_TRUE(contains(encodeWith({"--restart", "65536"}), "--restart"));
     EXPECT_TRUE(contains(encodeWith({"--restart", "-1"}), "--restart"));
     EXPECT_TRUE(contains(encodeWith({"--threads", "-1"}), "--threads"));
+    EXPECT_TRUE(contains(encodeWith({"--no-transform", "--sampling", "420"}), "--sampling"));
     encodeWith({"--unknown"});
     failure({"encode", path("in.ppm")});
     failure({"paint"});
