@@ -11,6 +11,7 @@ namespace {
 
 using huffman::annexK;
 using huffman::Block;
+using huffman::bytesOf;
 using huffman::streamOf;
 using huffman::Tables;
 using support::Guard;
@@ -83,15 +84,6 @@ private:
     VekDecodeHuffmanState state_{};
     Block block_{};
 };
-
-// Bits as bytes, the last filled up with zeros, and `behind` bytes of zeros.
-std::vector<uint8_t> bytesOf(const std::string& bits, size_t behind = 0)
-{
-    std::vector<uint8_t> bytes((bits.size() + 7) / 8 + behind);
-    for (size_t i = 0; i < bits.size(); ++i)
-        bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] | (bits[i] - '0') << (7 - i % 8));
-    return bytes;
-}
 
 TEST(HuffmanDecoder, ReportsItsStatesSizeAndInitialisesIt)
 {
@@ -354,7 +346,7 @@ TEST(HuffmanDecoder, SixteenZerosThatJustReachTheEndOrPassItEndTheBlock)
         for (int i = 0; i < before; ++i) block += "001";
         block += "01";
         for (const size_t behind : {size_t{0}, size_t{30}, size_t{100}}) {
-            TwoReaders readers(tables, bytesOf(block + block + block, behind));
+            TwoReaders readers(tables, bytesOf(block + block + block + std::string(8 * behind + 1, '0')));
             for (int i = 0; i < 3; ++i) {
                 ASSERT_EQ(vekStsOk, readers.decode());
                 ASSERT_EQ(1 + before + 16, readers.state().endOfBlockPos);
@@ -408,7 +400,7 @@ TEST(HuffmanDecoder, ARunBeyondTheGuardsIsACoefficientOverrun)
     std::string bits = "0";
     for (int i = 0; i < 60; ++i) bits += "001";
     bits += "011";
-    TwoReaders readers(tables, bytesOf(bits, 30));
+    TwoReaders readers(tables, bytesOf(bits + std::string(240, '0')));
     EXPECT_EQ(vekStsJpegCoefOverrun, readers.decode());
 }
 

@@ -10,6 +10,7 @@ namespace {
 
 using huffman::annexK;
 using huffman::Block;
+using huffman::bytesOf;
 using huffman::streamOf;
 using huffman::Tables;
 using support::Guard;
@@ -20,15 +21,6 @@ std::vector<uint8_t> withMarker(std::vector<uint8_t> stream, uint8_t code = 0xD9
 {
     stream.insert(stream.end(), {0xFF, code});
     return stream;
-}
-
-// Ones and zeros as bytes, the last one padded with ones.
-std::vector<uint8_t> bytesOf(std::string bits)
-{
-    while (bits.size() % 8 != 0) bits += '1';
-    std::vector<uint8_t> bytes(bits.size() / 8);
-    for (size_t i = 0; i < bits.size(); ++i) bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] << 1 | (bits[i] == '1'));
-    return bytes;
 }
 
 // One stream, with a marker at its end, read by the library and by the model, which has no fast path; everything is
@@ -374,6 +366,17 @@ TEST(HuffmanDecoderDirect, TheBitsInHandMayBeAllThatThereIs)
     EXPECT_EQ(15, readers.block()[0]);
     EXPECT_EQ(1, readers.numPrefetched());
     EXPECT_EQ(0, readers.position());
+}
+
+TEST(HuffmanDecoderDirect, MoreBitsInHandThanTheBufferHasCountAsZerosInFrontOfThem)
+{
+    const Tables tables(huffman::lists({2}, {0, 5}), huffman::lists({2}, {0, 0}));
+    for (const int count : {33, 40, 64, 65, 1000}) {
+        TwoReaders readers(tables, withMarker({0xAA, 0xAA, 0xAA, 0xAA, 0xAA, 0xAA, 0xAA, 0xAA}));
+        readers.hold(~uint32_t{0}, count);
+        readers.decode();
+        EXPECT_EQ(0, readers.position());
+    }
 }
 
 TEST(HuffmanDecoderDirect, APositionWithinAByteStandsForTheByte)

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "jpeg/entropy/decoder_state.h"
@@ -98,6 +99,15 @@ inline std::vector<uint8_t> streamOf(const std::vector<Block>& blocks, const Tab
     model::flush(out, state);
     out.bytes.resize(static_cast<size_t>(out.position));
     return out.bytes;
+}
+
+// Ones and zeros as bytes, the last one padded with ones.
+inline std::vector<uint8_t> bytesOf(std::string bits)
+{
+    while (bits.size() % 8 != 0) bits += '1';
+    std::vector<uint8_t> bytes(bits.size() / 8);
+    for (size_t i = 0; i < bits.size(); ++i) bytes[i / 8] = static_cast<uint8_t>(bytes[i / 8] << 1 | (bits[i] == '1'));
+    return bytes;
 }
 
 // Blocks as quantisation leaves them (kind 0, 1), with many and large coefficients (2), and of any value (3).

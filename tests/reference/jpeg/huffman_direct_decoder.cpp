@@ -19,7 +19,7 @@ public:
     explicit Bits(const DirectInput& in)
         : bytes(in.bytes), position(static_cast<size_t>(in.bitPosition / 8)), marker(in.marker)
     {
-        for (int i = in.numPrefetched - 1; i >= 0; --i) held_.push_back(in.prefetched >> i & 1);
+        for (int i = in.numPrefetched - 1; i >= 0; --i) held_.push_back(i < 32 ? in.prefetched >> i & 1 : 0);
     }
     int count() const { return static_cast<int>(held_.size()) - missing_; }
     int peek(int n) const
