@@ -70,6 +70,7 @@ template <typename Refill>
     storeScalar(pDst, dc);
     return decodeFastAc(reader, 1, pDst, tables.ac);
 }
+
 }  // namespace q3
 
 #endif

@@ -95,7 +95,7 @@ public:
         for (int length = 9; length <= 16; ++length) {
             const auto code = static_cast<int>(bits_ >> (64 - length));
             if (code <= lastCode(table, length))
-                return {static_cast<uint64_t>(length), static_cast<uint64_t>(symbolOf(table, length, code))};
+                return {static_cast<uint64_t>(length), static_cast<uint8_t>(symbolOf(table, length, code))};
         }
         return {17, 0};
     }

@@ -87,7 +87,8 @@ inline VekStatus checkDecodeMCU(const int16_t* const* pSrcMCU, const void* pDst,
 template <McuLayout layout, typename Form, typename Pixels>
 inline VekStatus decodeMCU(const int16_t* const* pSrcMCU, void* pDst, int dstStep)
 {
-    const VekStatus status = checkDecodeMCU < Pixels::hasKey ? 4 : 3 > (pSrcMCU, pDst, dstStep);
+    constexpr int planes = Pixels::hasKey ? 4 : 3;
+    const VekStatus status = checkDecodeMCU<planes>(pSrcMCU, pDst, dstStep);
     if (status == vekStsOk)
         ownDecodeMCU<layout, Form, Pixels>(pSrcMCU, static_cast<uint8_t*>(pDst), dstStep);
     return status;
