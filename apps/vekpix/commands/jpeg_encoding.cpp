@@ -40,15 +40,18 @@ void JpegEncoding::addOptions(CLI::Option_group& group, CLI::Option* lossless)
 {
     group.add_option("--quality", options_.quality, "1 (smallest file) to 100 (best picture)")
         ->check(CLI::Range(1, 100))
+        ->excludes(lossless)
         ->capture_default_str();
     CLI::Option* const sampling =
         group.add_option("--sampling", sampling_, "chroma samples: 444 all, 422 half, 420 a quarter")
             ->check(CLI::IsMember({"444", "422", "420"}))
+            ->excludes(lossless)
             ->capture_default_str();
     group
         .add_option("--downsampling", downsampling_,
                     "how 422 and 420 average chroma: blocks from exact values, rows from bytes as other encoders do")
         ->check(CLI::IsMember({"blocks", "rows"}))
+        ->excludes(lossless)
         ->capture_default_str();
     group.add_option("--restart", options_.restartInterval, "restart marker every N MCUs (lossless: rows); 0 for none")
         ->check(CLI::Range(0, 65535))

@@ -102,7 +102,8 @@ inline VekStatus decodeMCUByAlignment(const int16_t* const* pSrcMCU, void* pDst,
     const VekStatus status = checkDecodeMCU<planes>(pSrcMCU, pDst, dstStep);
     if (status != vekStsOk)
         return status;
-    if (planesAligned < Pixels::hasKey ? 0b1111 : 0b0111 > (pSrcMCU))
+    constexpr unsigned named = Pixels::hasKey ? 0b1111 : 0b0111;
+    if (planesAligned<named>(pSrcMCU))
         ownDecodeMCU<layout, BlockForm, Pixels>(pSrcMCU, static_cast<uint8_t*>(pDst), dstStep);
     else
         ownDecodeMCU<layout, DecodeScalarForm, Pixels>(pSrcMCU, static_cast<uint8_t*>(pDst), dstStep);

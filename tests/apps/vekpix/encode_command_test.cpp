@@ -90,6 +90,9 @@ TEST_F(EncodeCommand, WrongOptionsAreToldInOneLine)
     EXPECT_TRUE(contains(encodeWith({"--restart", "-1"}), "--restart"));
     EXPECT_TRUE(contains(encodeWith({"--threads", "-1"}), "--threads"));
     EXPECT_TRUE(contains(encodeWith({"--no-transform", "--sampling", "420"}), "--sampling"));
+    EXPECT_TRUE(contains(encodeWith({"--lossless", "--quality", "90"}), "--quality"));
+    EXPECT_TRUE(contains(encodeWith({"--lossless", "--sampling", "444"}), "--sampling"));
+    EXPECT_TRUE(contains(encodeWith({"--lossless", "--downsampling", "rows"}), "--downsampling"));
     encodeWith({"--unknown"});
     failure({"encode", path("in.ppm")});
     failure({"paint"});
