@@ -1,7 +1,6 @@
 // The progress bar, on a terminal and elsewhere.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <pty.h>
 #include <unistd.h>
 
@@ -13,28 +12,29 @@
 
 namespace {
 
-// Standard error for the life of the object: one end of `ends`, of which the other one is read.
+// Takes what goes to standard error, at a terminal or a pipe.
 class ErrorsRedirected {
 public:
     explicit ErrorsRedirected(bool terminal)
     {
         EXPECT_EQ(0, terminal ? openpty(&ends_[0], &ends_[1], nullptr, nullptr, nullptr) : pipe(ends_));
-        EXPECT_EQ(0, fcntl(ends_[0], F_SETFL, O_NONBLOCK));
         dup2(ends_[1], STDERR_FILENO);
     }
-    ~ErrorsRedirected()
-    {
-        dup2(before_, STDERR_FILENO);
-        for (const int end : {ends_[0], ends_[1], before_}) close(end);
-    }
+    ~ErrorsRedirected() { close(ends_[0]); }
     ErrorsRedirected(const ErrorsRedirected&) = delete;
     ErrorsRedirected& operator=(const ErrorsRedirected&) = delete;
 
-    std::string text() const
+    // All that was written. Standard error is the former one again: only a closed end lets the other be read to its end.
+    std::string text()
     {
+        dup2(before_, STDERR_FILENO);
+        close(before_);
+        close(ends_[1]);
+        std::string all;
         char bytes[4096];
-        const ssize_t count = read(ends_[0], bytes, sizeof bytes);
-        return {bytes, count > 0 ? static_cast<size_t>(count) : 0};
+        for (ssize_t count = 0; (count = read(ends_[0], bytes, sizeof bytes)) > 0;)
+            all.append(bytes, static_cast<size_t>(count));
+        return all;
     }
 
 private:
@@ -45,7 +45,7 @@ private:
 // What long work of 100 steps shows that ends after `steps` of them.
 std::string shown(bool terminal, int steps)
 {
-    const ErrorsRedirected errors(terminal);
+    ErrorsRedirected errors(terminal);
     {
         vekpix::Progress progress(100);
         std::this_thread::sleep_for(std::chrono::milliseconds(510));
