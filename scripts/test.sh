@@ -22,7 +22,7 @@ Steps, all of them if none is named, each in a build folder of its own under bui
   asan     clang++ with AddressSanitizer and UndefinedBehaviorSanitizer: all tests
   tsan     clang++ with ThreadSanitizer, LLVM's OpenMP runtime and its Archer tool: all tests
   fuzz     clang++ with libFuzzer and both of asan's sanitizers: every fuzz target for a while
-  bench    every benchmark once, briefly
+  bench    every benchmark once, briefly; while the fuzz targets run, if they do
 END
 }
 
@@ -134,11 +134,16 @@ step_bench() {
   echo "$(grep -c '^BM_' build/bench.log) benchmarks ran"
 }
 
+# Whether both of two steps are to be taken.
+takes_both() { [[ " ${steps[*]} " == *" $1 "* && " ${steps[*]} " == *" $2 "* ]]; }
+
+bench_pid=
 summary=()
 step=packages
 began=$SECONDS
 finish() {
   local status=$?
+  [[ -z $bench_pid ]] || kill "$bench_pid" 2>/dev/null || true
   [[ $status -eq 0 ]] || summary+=("$(printf '%-8s FAILED after %4d s' "$step" $((SECONDS - began)))")
   printf '\n%s\n' "---- summary ----"
   printf '%s\n' "${summary[@]}"
@@ -157,6 +162,16 @@ fi
 for step in "${steps[@]}"; do
   printf '\n---- %s ----\n' "$step"
   began=$SECONDS
-  "step_$step"
+  if [[ $step == fuzz ]] && takes_both fuzz bench; then
+    step_bench >build/bench-step.log 2>&1 &
+    bench_pid=$!
+  fi
+  if [[ $step == bench && -n $bench_pid ]]; then
+    wait "$bench_pid" || { cat build/bench-step.log; exit 1; }
+    bench_pid=
+    cat build/bench-step.log
+  else
+    "step_$step"
+  fi
   summary+=("$(printf '%-8s passed in %4d s' "$step" $((SECONDS - began)))")
 done
