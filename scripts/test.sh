@@ -14,14 +14,14 @@ usage: scripts/test.sh [--quick] [--fuzz-seconds N] [--no-install] [STEP...]
   --fuzz-seconds N  time for each fuzz target (60)
   --no-install      install no packages
 
-Steps, all of them if none is named, each in a build folder of its own under build/:
+Steps, all of them if none is named, in build folders under build/:
   format   clang-format has nothing to change, and no line is longer than 120 columns
   release  g++, as shipped: library, application, benchmarks, all tests
   docs     Doxygen has nothing to complain of
   clang    clang++, as shipped: all tests
   asan     clang++ with AddressSanitizer and UndefinedBehaviorSanitizer: all tests
   tsan     clang++ with ThreadSanitizer, LLVM's OpenMP runtime and its Archer tool: all tests
-  fuzz     clang++ with libFuzzer and both of asan's sanitizers: every fuzz target for a while
+  fuzz     asan's build with libFuzzer: every fuzz target for a while
   bench    every benchmark once, briefly; while the fuzz targets run, if they do
 END
 }
@@ -100,8 +100,11 @@ step_clang() {
   run_tests clang
 }
 
+# One build for the tests and the fuzz targets.
+configure_asan() { configure asan "${llvm[@]}" -DVEK_SANITIZE=address,undefined -DVEK_BUILD_FUZZ=ON; }
+
 step_asan() {
-  configure asan "${llvm[@]}" -DVEK_SANITIZE=address,undefined
+  configure_asan
   build_all asan
   ASAN_OPTIONS=detect_stack_use_after_return=1:strict_init_order=1 UBSAN_OPTIONS=print_stacktrace=1 \
     LSAN_OPTIONS=suppressions=$PWD/scripts/leaks.supp:print_suppressions=0 run_tests asan
@@ -118,9 +121,9 @@ step_tsan() {
 }
 
 step_fuzz() {
-  configure fuzz "${llvm[@]}" -DVEK_SANITIZE=address,undefined -DVEK_BUILD_FUZZ=ON -DVEK_BUILD_TESTS=OFF
-  build_all fuzz fuzz/all
-  local fuzzers=(build/fuzz/fuzzers/*)
+  configure_asan
+  build_all asan fuzz/all
+  local fuzzers=(build/asan/fuzzers/*)
   [[ -x ${fuzzers[0]} ]] || { echo "there are no fuzz targets" >&2; return 1; }
   printf '%s\n' "${fuzzers[@]}" | xargs -P "$jobs" -n 1 scripts/fuzz.sh --seconds "$fuzz_seconds"
 }
