@@ -24,7 +24,8 @@ public:
     ErrorsRedirected(const ErrorsRedirected&) = delete;
     ErrorsRedirected& operator=(const ErrorsRedirected&) = delete;
 
-    // All that was written. Standard error is the former one again: only a closed end lets the other be read to its end.
+    // All that was written. Standard error is the former one again: only a closed end lets the other be read to its
+    // end.
     std::string text()
     {
         dup2(before_, STDERR_FILENO);
