@@ -137,9 +137,6 @@ step_bench() {
   echo "$(grep -c '^BM_' build/bench.log) benchmarks ran"
 }
 
-# Whether both of two steps are to be taken.
-takes_both() { [[ " ${steps[*]} " == *" $1 "* && " ${steps[*]} " == *" $2 "* ]]; }
-
 bench_pid=
 summary=()
 step=packages
@@ -165,7 +162,7 @@ fi
 for step in "${steps[@]}"; do
   printf '\n---- %s ----\n' "$step"
   began=$SECONDS
-  if [[ $step == fuzz ]] && takes_both fuzz bench; then
+  if [[ $step == fuzz && " ${steps[*]} " == *" fuzz "*"bench "* ]]; then  # the benchmarks come later
     step_bench >build/bench-step.log 2>&1 &
     bench_pid=$!
   fi
