@@ -72,7 +72,7 @@ struct Call {
     return status;
 }
 
-// Ends a block on the fast path.
+// What the fast path does at a block's end.
 inline void store(const Call& call, const ReadAhead& ahead, int16_t dc, int reached)
 {
     *call.pSrcCurrPos = static_cast<int>(ahead.position - call.pSrc);
@@ -80,6 +80,13 @@ inline void store(const Call& call, const ReadAhead& ahead, int16_t dc, int reac
     call.pState->bitBuffer = ahead.bits;
     call.pState->numBits = ahead.count;
     call.pState->endOfBlockPos = reached;
+}
+
+inline bool storeIfReached(const Call& call, const FastReader<RefillToEnd>& reader, int16_t dc, int reached)
+{
+    if (reached != 0)
+        store(call, reader.readAhead(), dc, reached);
+    return reached != 0;
 }
 
 // The fast path, from its start and from coefficient k on. False, with nothing changed but the block, if it gives up.
@@ -91,19 +98,13 @@ inline void store(const Call& call, const ReadAhead& ahead, int16_t dc, int reac
                       call.pState->numBits);
     int16_t dc = *call.pLastDC;
     const int reached = decodeFast(reader, call.pDst, dc, call.tables);
-    if (reached == 0)
-        return false;
-    store(call, reader.readAhead(), dc, reached);
-    return true;
+    return storeIfReached(call, reader, dc, reached);
 }
 [[gnu::noinline]] bool decodeFastFrom(int k, const StretchReader& stretch, int16_t dc, const Call& call)
 {
     FastReader reader(stretch.position(), RefillToEnd{call.pSrc + call.srcLenBytes}, stretch.held());
     const int reached = decodeFastAc(reader, k, call.pDst, call.tables.ac);
-    if (reached == 0)
-        return false;
-    store(call, reader.readAhead(), dc, reached);
-    return true;
+    return storeIfReached(call, reader, dc, reached);
 }
 
 enum class Stretch { blockEnds, ends, givenUp };

@@ -65,8 +65,7 @@ public:
           offset_(64 - static_cast<uint64_t>(numBits)),
           toLoad_(reinterpret_cast<uint64_t>(p) * 8),
           at_(toLoad_ - static_cast<uint64_t>(numBits)),
-          last_(toLoad_ + 8 * (bytesWithoutFF - mostBytesTouched)),
-          tables_(&stretchTables)
+          last_(toLoad_ + 8 * (bytesWithoutFF - mostBytesTouched))
     {
     }
 
@@ -84,7 +83,7 @@ public:
         const uint64_t index = bits_ >> 56;  // there before the load
         bits_ |= loadBigEndian64(bytes(toLoad_)) >> (toLoad_ - at_);
         toLoad_ = (at_ + 63) & ~uint64_t{7};
-        offset_ = tables_->refilled[offset_];
+        offset_ = stretchTables.refilled[offset_];
         // Loads of their own: the next symbol waits for the length.
         return {loadScalar<uint16_t>(lookup + 4 * index + 2), lookup[4 * index]};
     }
@@ -126,11 +125,11 @@ public:
         offset_ += length + size;
         if (offset_ > 64) [[unlikely]]  // refilled behind the code
             offset_ = (offset_ - size) % 8 + size;
-        return tables_->values[(bits >> (64 - size)) + tables_->powers[size]];
+        return stretchTables.values[(bits >> (64 - size)) + stretchTables.powers[size]];
     }
 
     // Where coefficient k lies in the block, by 16 k; 64 beyond its end.
-    uint64_t place(uint64_t k16) const { return tables_->positions[k16]; }
+    static uint64_t place(uint64_t k16) { return stretchTables.positions[k16]; }
 
     // What is read ahead within a block, and where in the stream that ends.
     Accumulator held() const
@@ -160,7 +159,6 @@ private:
     uint64_t toLoad_;  // address of the first byte of the next load
     uint64_t at_;      // address of the next bit
     uint64_t last_;    // where a symbol may begin at most
-    const StretchTables* tables_;
 };
 
 }  // namespace q3
